@@ -1,0 +1,7 @@
+#include "HostApplet.h"
+
+int HostApplet::invokeExternalFunction(int code)
+{
+    Q_UNUSED(code);
+    return 0;
+}

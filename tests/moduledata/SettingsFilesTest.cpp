@@ -1,0 +1,107 @@
+#include "CPathListFile.h"
+#include "CStringSettingsFile.h"
+
+#include "ZelUtils.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class SettingsFilesTest : public testing::Test {
+protected:
+    QString path(const QString& name) const { return m_dir.filePath(name); }
+
+    void writeBytes(const QString& name, const QByteArray& bytes) const {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+
+    QByteArray readBytes(const QString& name) const {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    QTemporaryDir m_dir;
+};
+
+TEST_F(SettingsFilesTest, SettingsLinesAreTrimmedAndBlankLinesKeepTheirPlace) {
+    writeBytes("KVDEFPMT.DAT", "  first  \n\n \t \r\n\tfourth\r\nfifth");
+    CStringSettingsFile settings(path("KVDEFPMT.DAT"));
+    QStringList lines{"old"};
+    ASSERT_TRUE(settings.ReadArray(lines));
+    EXPECT_EQ(lines, QStringList({"first", "", "", "fourth", "fifth"}));
+}
+
+TEST_F(SettingsFilesTest, SettingsWriteTrimsEachEntryAndReadsBackTheSame) {
+    CStringSettingsFile settings(path("KVDEFINF.DAT"));
+    ASSERT_TRUE(settings.WriteList({" a b ", "", "\tc"}));
+    EXPECT_EQ(readBytes("KVDEFINF.DAT"), "a b\n\nc\n");
+    QStringList lines;
+    ASSERT_TRUE(settings.ReadList(lines));
+    EXPECT_EQ(lines, QStringList({"a b", "", "c"}));
+    // Writing again empties the file first.
+    ASSERT_TRUE(settings.WriteArray({"d"}));
+    EXPECT_EQ(readBytes("KVDEFINF.DAT"), "d\n");
+}
+
+TEST_F(SettingsFilesTest, SettingsFailuresLeaveTheLinesAsTheyWere) {
+    const QStringList before{"kept", ""};
+    QStringList lines = before;
+    CStringSettingsFile missing(path("KVDEFTPS.DAT"));
+    EXPECT_FALSE(missing.ReadArray(lines));
+    EXPECT_FALSE(missing.ReadList(lines));
+    EXPECT_EQ(lines, before);
+    // A null name leaves the name as it is; an empty name points nowhere.
+    missing.SetFile(QString());
+    EXPECT_EQ(missing.GetFile(), path("KVDEFTPS.DAT"));
+    EXPECT_FALSE(CStringSettingsFile().ReadArray(lines));
+    EXPECT_FALSE(CStringSettingsFile(path("no/folder.dat")).WriteArray(before));
+    EXPECT_EQ(lines, before);
+}
+
+TEST_F(SettingsFilesTest, PathListKeepsFoldersAndPlaceholdersInOrder) {
+    writeBytes("blkplist.txt",
+               "; comment\n"
+               ":C:\\blocks\n"
+               "<x>\n"
+               "\n"
+               "  :  /opt/blk/  \r\n"
+               "a:b\n"
+               "\t<GBL_kv_lib> \n"
+               ":\n");
+    CPathListFile list;
+    list.SetFolder(m_dir.path());
+    QStringList paths{"old"};
+    ASSERT_TRUE(list.Read(paths));
+    EXPECT_EQ(paths, QStringList({NativePath("C:/blocks/"), "<x>", NativePath("/opt/blk/"),
+                                  "<GBL_kv_lib>", ""}));
+}
+
+TEST_F(SettingsFilesTest, PathListWriteThenReadGivesTheSameList) {
+    const QStringList paths{NativePath("C:/a/"), "<x>", NativePath("/b/c/")};
+    CPathListFile list;
+    // Either separator ends the folder; a null folder changes nothing.
+    list.SetFolder(m_dir.path() + "\\");
+    list.SetFolder(QString());
+    ASSERT_TRUE(list.Write(paths));
+    EXPECT_EQ(readBytes("blkplist.txt"),
+              (":" + NativePath("C:/a/") + "\n<x>\n:" + NativePath("/b/c/") + "\n").toUtf8());
+    QStringList read;
+    ASSERT_TRUE(list.Read(read));
+    EXPECT_EQ(read, paths);
+}
+
+TEST_F(SettingsFilesTest, MissingPathListAnswersFalseWithAnEmptyList) {
+    CPathListFile list;
+    list.SetFolder(path("nowhere"));
+    QStringList paths{"old"};
+    EXPECT_FALSE(list.Read(paths));
+    EXPECT_TRUE(paths.isEmpty());
+    EXPECT_FALSE(list.Write({"<x>"}));
+}
+
+}  // namespace
