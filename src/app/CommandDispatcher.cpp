@@ -2,8 +2,8 @@
 
 #include "CrtNumbers.h"
 #include "HostServices.h"
-#include "MigrationCommand.h"
 #include "Messages.h"
+#include "MigrationCommand.h"
 #include "ResourceLibrary.h"
 #include "ZelUtils.h"
 
@@ -18,8 +18,7 @@ CommandDispatcher::EditorRunner g_editor = nullptr;
 
 // The cell at place index when its type is one of the accepted ones.
 const HostCell* Accepted(const HostValue& args, std::size_t index,
-                         std::initializer_list<short> types)
-{
+                         std::initializer_list<short> types) {
     const HostCell* cell = args.at(index);
     if (!cell) {
         return nullptr;
@@ -34,11 +33,14 @@ const HostCell* Accepted(const HostValue& args, std::size_t index,
 
 }  // namespace
 
-void CommandDispatcher::SetSelectionRunner(SelectionRunner runner) { g_selection = runner; }
-void CommandDispatcher::SetEditorRunner(EditorRunner runner) { g_editor = runner; }
+void CommandDispatcher::SetSelectionRunner(SelectionRunner runner) {
+    g_selection = runner;
+}
+void CommandDispatcher::SetEditorRunner(EditorRunner runner) {
+    g_editor = runner;
+}
 
-int CommandDispatcher::Dispatch()
-{
+int CommandDispatcher::Dispatch() {
     ResourceScope resources(LoadedResources());
     const int code = HostGetFunCode();
     const HostValue args = HostGetArgs();
@@ -67,8 +69,7 @@ int CommandDispatcher::Dispatch()
     }
 }
 
-bool CommandDispatcher::ParseSelectionArgs(const HostValue& args, SelectionArgs& out)
-{
+bool CommandDispatcher::ParseSelectionArgs(const HostValue& args, SelectionArgs& out) {
     const HostCell* cells[10] = {
         Accepted(args, 0, {kHostListBegin}),
         Accepted(args, 1, {kHostShort, kHostNil}),
@@ -99,8 +100,7 @@ bool CommandDispatcher::ParseSelectionArgs(const HostValue& args, SelectionArgs&
     return true;
 }
 
-int CommandDispatcher::DelayMilliseconds(const HostValue& args)
-{
+int CommandDispatcher::DelayMilliseconds(const HostValue& args) {
     int milliseconds = std::rand() % 100 + 101;
     const HostCell* first = args.at(0);
     if (first && first->type == kHostShort && first->integer > 0) {
@@ -109,14 +109,14 @@ int CommandDispatcher::DelayMilliseconds(const HostValue& args)
     return milliseconds;
 }
 
-bool CommandDispatcher::RunSelection(const HostValue& args)
-{
+bool CommandDispatcher::RunSelection(const HostValue& args) {
     SelectionArgs parsed;
     if (!ParseSelectionArgs(args, parsed)) {
         return false;
     }
     if (!g_selection) {
-        Messages::ShowText(QStringLiteral("The module selection dialog is not part of this build."));
+        Messages::ShowText(
+            QStringLiteral("The module selection dialog is not part of this build."));
         return false;
     }
     HostValue result;
@@ -127,8 +127,7 @@ bool CommandDispatcher::RunSelection(const HostValue& args)
     return true;
 }
 
-void CommandDispatcher::RunEditor()
-{
+void CommandDispatcher::RunEditor() {
     if (!g_editor) {
         Messages::ShowText(QStringLiteral("The database editor is not part of this build."));
         return;
@@ -138,8 +137,7 @@ void CommandDispatcher::RunEditor()
     }
 }
 
-void CommandDispatcher::RunDelay(const HostValue& args)
-{
+void CommandDispatcher::RunDelay(const HostValue& args) {
     const auto until =
         std::chrono::steady_clock::now() + std::chrono::milliseconds(DelayMilliseconds(args));
     std::this_thread::sleep_until(until);

@@ -15,13 +15,13 @@ enum ExternalCode : int {
 
 // What the Lisp side hands "zel_mbsel", checked and converted.
 struct SelectionArgs {
-    QString strPath;             // with every "/" turned into "\"
-    bool bSetupFlag = false;     // place 3
-    int nStyle = 0;              // place 4, read as a number
-    int nOrientation = 1;        // 2 for "V", else 1
-    double dScale = 0.0;         // place 6
-    bool bExtraFlag = false;     // place 7
-    bool bGroupB = false;        // place 9
+    QString strPath;          // with every "/" turned into "\"
+    bool bSetupFlag = false;  // place 3
+    int nStyle = 0;           // place 4, read as a number
+    int nOrientation = 1;     // 2 for "V", else 1
+    double dScale = 0.0;      // place 6
+    bool bExtraFlag = false;  // place 7
+    bool bGroupB = false;     // place 9
 };
 
 // The one place that knows the function codes: every external call lands here.

@@ -9,13 +9,11 @@ namespace {
 constexpr int kFileQuestionFlags = 128;
 }
 
-void ShowMigrationHelp()
-{
+void ShowMigrationHelp() {
     HostHelp(QString(), QStringLiteral("plc_database_migration_utility_dialog"), 0);
 }
 
-bool RunMigrationCommand()
-{
+bool RunMigrationCommand() {
     QString path;
     FindDatabaseFile(path);
     const QString title = LoadResString(10124);

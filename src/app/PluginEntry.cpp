@@ -12,8 +12,7 @@ std::unique_ptr<CMBApplet> g_applet;
 // The plug-in's one entry point. Attach loads the resource library beside the plug-in
 // and refuses the load without it; detach releases it.
 extern "C" PLCDB_EXPORT HostApplet* zel_plugin_entry(int reason, HostServices* host,
-                                                     QString* error)
-{
+                                                     QString* error) {
     if (reason != kPluginAttach) {
         g_applet.reset();
         UnloadResDll();

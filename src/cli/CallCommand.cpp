@@ -9,15 +9,13 @@ namespace {
 
 constexpr int kBadExpression = 2;
 
-void PrintError(const QString& text)
-{
+void PrintError(const QString& text) {
     std::fprintf(stderr, "plcdb call: %s\n", qPrintable(text));
     std::fflush(stderr);
 }
 
 // Calls one expression; the answer's text goes to answer, null for nothing.
-bool CallOne(StandaloneHost& host, const QString& expression, QString& answer)
-{
+bool CallOne(StandaloneHost& host, const QString& expression, QString& answer) {
     answer = QString();
     QString name;
     HostValue args;
@@ -46,8 +44,7 @@ bool CallOne(StandaloneHost& host, const QString& expression, QString& answer)
     return true;
 }
 
-void PrintAnswer(const QString& answer, bool lineForNothing)
-{
+void PrintAnswer(const QString& answer, bool lineForNothing) {
     if (answer.isNull() && !lineForNothing) {
         return;
     }
@@ -57,8 +54,7 @@ void PrintAnswer(const QString& answer, bool lineForNothing)
 
 }  // namespace
 
-int RunCallCommand(StandaloneHost& host, const QStringList& expressions, std::FILE* input)
-{
+int RunCallCommand(StandaloneHost& host, const QStringList& expressions, std::FILE* input) {
     int status = 0;
     QString answer;
     if (expressions == QStringList{QStringLiteral("-")}) {
@@ -76,8 +72,9 @@ int RunCallCommand(StandaloneHost& host, const QStringList& expressions, std::FI
         return status;
     }
     if (expressions.isEmpty()) {
-        PrintError(QStringLiteral("give an expression such as '(zel_delay 1)', or - to read "
-                                  "standard input"));
+        PrintError(
+            QStringLiteral("give an expression such as '(zel_delay 1)', or - to read "
+                           "standard input"));
         return kBadExpression;
     }
     for (const QString& expression : expressions) {

@@ -30,8 +30,7 @@ const char* const kHostOptionsHelp =
 
 }  // namespace
 
-bool CliOptions::parse(const QStringList& args, QString* error)
-{
+bool CliOptions::parse(const QStringList& args, QString* error) {
     for (qsizetype i = 0; i < args.size(); ++i) {
         const QString& arg = args[i];
         if (arg == QStringLiteral("--help") || arg == QStringLiteral("-h")) {
@@ -70,8 +69,7 @@ bool CliOptions::parse(const QStringList& args, QString* error)
     return true;
 }
 
-QString CliOptions::MainHelp()
-{
+QString CliOptions::MainHelp() {
     return QStringLiteral(
                "plcdb - the PLC I/O module database and its standalone host\n"
                "\n"
@@ -87,8 +85,7 @@ QString CliOptions::MainHelp()
            QString::fromLatin1(kHostOptionsHelp);
 }
 
-QString CliOptions::CommandHelp(const QString& command)
-{
+QString CliOptions::CommandHelp(const QString& command) {
     static const QMap<QString, QString> texts = {
         {QStringLiteral("call"),
          QStringLiteral(
@@ -110,7 +107,8 @@ QString CliOptions::CommandHelp(const QString& command)
              "\n"
              "Examples:\n"
              "  plcdb call '(zel_delay 1)'\n"
-             "  plcdb call \"(zel_mbsel '(0 \\\"\\\" nil \\\"3\\\" \\\"V\\\" 1.0 nil \\\"\\\" nil))\"\n"
+             "  plcdb call \"(zel_mbsel '(0 \\\"\\\" nil \\\"3\\\" \\\"V\\\" 1.0 nil \\\"\\\" "
+             "nil))\"\n"
              "\n"
              "Exit status: 0 on success, 1 when the plug-in cannot start, 2 when an\n"
              "expression cannot be read or names an unknown function.\n")},

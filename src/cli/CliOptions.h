@@ -9,13 +9,13 @@ struct CliOptions {
     QString command;        // empty when none was given
     QStringList arguments;  // the command's arguments, options it does not know included
     bool help = false;
-    QString hostConfig;     // --host-config FILE
-    QString supportPath;    // --support-path "DIR;DIR"
-    QString kvLib;          // --kv-lib "DIR;DIR"
-    QString docSetBase;     // --doc-set-base DIR
-    QString precision;      // --precision N
-    QString fileAnswer;     // --file PATH
-    QString plugin;         // --plugin PATH
+    QString hostConfig;   // --host-config FILE
+    QString supportPath;  // --support-path "DIR;DIR"
+    QString kvLib;        // --kv-lib "DIR;DIR"
+    QString docSetBase;   // --doc-set-base DIR
+    QString precision;    // --precision N
+    QString fileAnswer;   // --file PATH
+    QString plugin;       // --plugin PATH
 
     // False and a message in error when an option lacks its value.
     bool parse(const QStringList& args, QString* error);

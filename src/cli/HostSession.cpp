@@ -6,8 +6,7 @@
 #include <QDir>
 #include <QStandardPaths>
 
-StandaloneHostConfig HostSession::DefaultConfig()
-{
+StandaloneHostConfig HostSession::DefaultConfig() {
     StandaloneHostConfig config;
     // The current folder first, then the sample data that the build puts beside plcdb.
     config.supportPath << QDir::currentPath();
@@ -19,8 +18,7 @@ StandaloneHostConfig HostSession::DefaultConfig()
 }
 
 bool HostSession::configure(const CliOptions& options, StandaloneHostConfig& config,
-                            QString* error)
-{
+                            QString* error) {
     QString file = options.hostConfig;
     if (file.isEmpty()) {
         file = qEnvironmentVariable("PLCDB_HOST_CONFIG");
@@ -62,8 +60,7 @@ bool HostSession::configure(const CliOptions& options, StandaloneHostConfig& con
     return true;
 }
 
-bool HostSession::start(const CliOptions& options, QString* error)
-{
+bool HostSession::start(const CliOptions& options, QString* error) {
     StandaloneHostConfig config = DefaultConfig();
     if (!configure(options, config, error)) {
         return false;

@@ -11,16 +11,14 @@ namespace {
 constexpr int kStartFailed = 1;
 constexpr int kUsageError = 2;
 
-int Fail(const QString& text, int status)
-{
+int Fail(const QString& text, int status) {
     std::fprintf(stderr, "plcdb: %s\n", qPrintable(text));
     return status;
 }
 
 }  // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("plcdb"));
 

@@ -2,8 +2,7 @@
 
 // Until the store keeps a schema version there is nothing to upgrade: no file needs
 // migration and none is changed.
-void CheckForMigration(const QString& path, bool& bRequired, bool bFirstCheck, QString table)
-{
+void CheckForMigration(const QString& path, bool& bRequired, bool bFirstCheck, QString table) {
     Q_UNUSED(path);
     Q_UNUSED(bFirstCheck);
     Q_UNUSED(table);
@@ -11,8 +10,7 @@ void CheckForMigration(const QString& path, bool& bRequired, bool bFirstCheck, Q
 }
 
 bool Migrate(QString path, bool bShowUi, bool bSilent, MigrationHelpCallback help, QString s1,
-             QString s2, QString s3, QString s4)
-{
+             QString s2, QString s3, QString s4) {
     Q_UNUSED(path);
     Q_UNUSED(bShowUi);
     Q_UNUSED(bSilent);

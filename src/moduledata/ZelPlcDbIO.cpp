@@ -4,6 +4,10 @@ namespace {
 ZelPlcDbIO* g_store = nullptr;
 }
 
-ZelPlcDbIO* ZelPlcDbIO::Instance() { return g_store; }
+ZelPlcDbIO* ZelPlcDbIO::Instance() {
+    return g_store;
+}
 
-void ZelPlcDbIO::SetInstance(ZelPlcDbIO* store) { g_store = store; }
+void ZelPlcDbIO::SetInstance(ZelPlcDbIO* store) {
+    g_store = store;
+}

@@ -4,8 +4,7 @@
 
 namespace {
 
-QString settingsPath(const QString& subKey)
-{
+QString settingsPath(const QString& subKey) {
     QString path = subKey;
     path.replace(u'\\', u'/');
     while (path.startsWith(u'/')) {
@@ -21,20 +20,16 @@ QString settingsPath(const QString& subKey)
 
 CRegistryKey::CRegistryKey()
     : m_settings(std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
-                                             QStringLiteral("plcdb"), QStringLiteral("plcdb")))
-{
-}
+                                             QStringLiteral("plcdb"), QStringLiteral("plcdb"))) {}
 
 CRegistryKey::~CRegistryKey() = default;
 
-void CRegistryKey::SetRootToHCUK()
-{
+void CRegistryKey::SetRootToHCUK() {
     // The user's branch is the only root there is.
     Close();
 }
 
-bool CRegistryKey::Open(const QString& subKey)
-{
+bool CRegistryKey::Open(const QString& subKey) {
     const QString path = settingsPath(subKey);
     m_settings->beginGroup(path);
     const bool exists = !m_settings->allKeys().isEmpty();
@@ -44,15 +39,13 @@ bool CRegistryKey::Open(const QString& subKey)
     return exists;
 }
 
-bool CRegistryKey::Create(const QString& subKey)
-{
+bool CRegistryKey::Create(const QString& subKey) {
     m_path = settingsPath(subKey);
     m_open = true;
     return true;
 }
 
-void CRegistryKey::Close()
-{
+void CRegistryKey::Close() {
     if (m_open) {
         m_settings->sync();
     }
@@ -60,13 +53,11 @@ void CRegistryKey::Close()
     m_path.clear();
 }
 
-QString CRegistryKey::valueKey(const QString& name) const
-{
+QString CRegistryKey::valueKey(const QString& name) const {
     return m_path.isEmpty() ? name : m_path + u'/' + name;
 }
 
-bool CRegistryKey::GetValue(const QString& name, QString& value) const
-{
+bool CRegistryKey::GetValue(const QString& name, QString& value) const {
     if (!m_open) {
         return false;
     }
@@ -78,8 +69,7 @@ bool CRegistryKey::GetValue(const QString& name, QString& value) const
     return true;
 }
 
-bool CRegistryKey::GetValue(const QString& name, quint32& value) const
-{
+bool CRegistryKey::GetValue(const QString& name, quint32& value) const {
     QString text;
     if (!GetValue(name, text)) {
         return false;
@@ -92,8 +82,7 @@ bool CRegistryKey::GetValue(const QString& name, quint32& value) const
     return ok;
 }
 
-bool CRegistryKey::SetValue(const QString& name, const QString& value)
-{
+bool CRegistryKey::SetValue(const QString& name, const QString& value) {
     if (!m_open) {
         return false;
     }
@@ -101,7 +90,6 @@ bool CRegistryKey::SetValue(const QString& name, const QString& value)
     return m_settings->status() == QSettings::NoError;
 }
 
-bool CRegistryKey::SetValue(const QString& name, quint32 value)
-{
+bool CRegistryKey::SetValue(const QString& name, quint32 value) {
     return SetValue(name, QString::number(value));
 }

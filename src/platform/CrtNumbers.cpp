@@ -8,10 +8,11 @@
 namespace crt {
 namespace {
 
-bool isDigit(QChar c) { return c >= u'0' && c <= u'9'; }
+bool isDigit(QChar c) {
+    return c >= u'0' && c <= u'9';
+}
 
-qsizetype skipBlanks(const QString& text)
-{
+qsizetype skipBlanks(const QString& text) {
     qsizetype i = 0;
     while (i < text.size() && (text[i] == u' ' || text[i] == u'\t' || text[i] == u'\n' ||
                                text[i] == u'\r' || text[i] == u'\v' || text[i] == u'\f')) {
@@ -20,8 +21,7 @@ qsizetype skipBlanks(const QString& text)
     return i;
 }
 
-qsizetype skipDigits(const QString& text, qsizetype i)
-{
+qsizetype skipDigits(const QString& text, qsizetype i) {
     while (i < text.size() && isDigit(text[i])) {
         ++i;
     }
@@ -29,8 +29,7 @@ qsizetype skipDigits(const QString& text, qsizetype i)
 }
 
 // The integer prefix clamped to the range of a 32-bit int, as the runtime does.
-qint64 readInteger(const QString& text)
-{
+qint64 readInteger(const QString& text) {
     qsizetype i = skipBlanks(text);
     bool negative = false;
     if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) {
@@ -54,8 +53,7 @@ qint64 readInteger(const QString& text)
 
 }  // namespace
 
-double wtof(const QString& text)
-{
+double wtof(const QString& text) {
     const qsizetype start = skipBlanks(text);
     qsizetype i = start;
     if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) {
@@ -98,8 +96,12 @@ double wtof(const QString& text)
     return number.startsWith(u'-') ? -HUGE_VAL : HUGE_VAL;
 }
 
-int wtoi(const QString& text) { return int(readInteger(text)); }
+int wtoi(const QString& text) {
+    return int(readInteger(text));
+}
 
-long wtol(const QString& text) { return long(readInteger(text)); }
+long wtol(const QString& text) {
+    return long(readInteger(text));
+}
 
 }  // namespace crt

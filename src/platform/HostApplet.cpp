@@ -1,7 +1,6 @@
 #include "HostApplet.h"
 
-int HostApplet::invokeExternalFunction(int code)
-{
+int HostApplet::invokeExternalFunction(int code) {
     Q_UNUSED(code);
     return 0;
 }

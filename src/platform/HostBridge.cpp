@@ -11,8 +11,7 @@
 namespace {
 
 // Invokes the call and answers its first result cell when that is a string.
-bool InvokeForString(const HostValue& call, QString& out)
-{
+bool InvokeForString(const HostValue& call, QString& out) {
     HostValue result;
     if (HostInvoke(call, &result) != kHostOk) {
         return false;
@@ -25,16 +24,14 @@ bool InvokeForString(const HostValue& call, QString& out)
     return true;
 }
 
-bool FileExists(const QString& path)
-{
+bool FileExists(const QString& path) {
     const QFileInfo info(path);
     return info.exists() && info.isFile();
 }
 
 }  // namespace
 
-bool FindSupportFile(const QString& name, QString& out, bool bReportError)
-{
+bool FindSupportFile(const QString& name, QString& out, bool bReportError) {
     HostValue call;
     call.string(QStringLiteral("kv_fio_does_file_exist")).shortInt(2).string(name);
     if (InvokeForString(call, out)) {
@@ -51,8 +48,7 @@ bool FindSupportFile(const QString& name, QString& out, bool bReportError)
     return false;
 }
 
-bool FindBlockFile(const QString& name, QString& out, bool bReportError)
-{
+bool FindBlockFile(const QString& name, QString& out, bool bReportError) {
     HostValue call;
     call.string(QStringLiteral("kv_fio_does_block_exist_disk")).string(name);
     if (InvokeForString(call, out)) {
@@ -66,41 +62,35 @@ bool FindBlockFile(const QString& name, QString& out, bool bReportError)
     return false;
 }
 
-bool GetLispVar(const QString& name, QString& out)
-{
+bool GetLispVar(const QString& name, QString& out) {
     HostValue call;
     call.string(QStringLiteral("zel_get_var")).string(name);
     return InvokeForString(call, out);
 }
 
-bool TranslateMessage(const QString& key, QString& text)
-{
+bool TranslateMessage(const QString& key, QString& text) {
     HostValue call;
     call.string(QStringLiteral("c:kv_msg")).string(key).nil().string(text);
     return InvokeForString(call, text);
 }
 
-int EvalLisp(const QString& text, HostValue* result)
-{
+int EvalLisp(const QString& text, HostValue* result) {
     HostValue call;
     call.string(QStringLiteral("qeval-str+")).string(text);
     return HostInvoke(call, result);
 }
 
-int DeclareLispFunction(const QString& name)
-{
+int DeclareLispFunction(const QString& name) {
     // The host's evaluator takes the text from a buffer of 128 characters.
     const QString text = QStringLiteral("(ql-drafton-defun '%1)").arg(name).left(127);
     return EvalLisp(text);
 }
 
-bool FindDatabaseFile(QString& out)
-{
+bool FindDatabaseFile(QString& out) {
     return FindSupportFile(QString::fromLatin1(kDatabaseFileName), out, true);
 }
 
-bool GetLibraryPaths(QStringList& list)
-{
+bool GetLibraryPaths(QStringList& list) {
     QString value;
     if (!GetLispVar(QStringLiteral("GBL_kv_lib"), value) || value.isEmpty()) {
         return false;
@@ -116,8 +106,7 @@ bool GetLibraryPaths(QStringList& list)
     return true;
 }
 
-bool SearchPathList(const QString& name, QString& out, const QStringList& list)
-{
+bool SearchPathList(const QString& name, QString& out, const QStringList& list) {
     if (name.isEmpty()) {
         return false;
     }
@@ -150,8 +139,7 @@ bool SearchPathList(const QString& name, QString& out, const QStringList& list)
     return false;
 }
 
-bool RealToText(double value, QString& out, int digits)
-{
+bool RealToText(double value, QString& out, int digits) {
     digits = std::max(digits, 0);
     QString fixed = QString::number(std::fabs(value), 'f', digits);
     const qsizetype point = fixed.indexOf(u'.');

@@ -37,8 +37,7 @@ public:
     virtual void help(const QString& file, const QString& topic, int command) = 0;
     virtual QString realToString(double value, int mode, int precision) = 0;
     virtual HostScale hiDpi() const = 0;
-    virtual int sendCommand(const QString& text, bool activate, bool wrapUpInactive,
-                            bool echo) = 0;
+    virtual int sendCommand(const QString& text, bool activate, bool wrapUpInactive, bool echo) = 0;
 };
 
 // The host this module talks to; null until the host hands itself over.

@@ -7,8 +7,7 @@ MessageSink* g_sink = nullptr;
 }
 
 int Messages::Show(int number, const QStringList& args, MsgButtons buttons, MsgIcon icon,
-                   int captionNumber)
-{
+                   int captionNumber) {
     MessageRequest request;
     request.number = number;
     request.text = Format(number, args);
@@ -19,8 +18,7 @@ int Messages::Show(int number, const QStringList& args, MsgButtons buttons, MsgI
 }
 
 int Messages::ShowText(const QString& text, const QString& caption, MsgButtons buttons,
-                       MsgIcon icon)
-{
+                       MsgIcon icon) {
     MessageRequest request;
     request.text = text;
     request.caption = caption;
@@ -29,8 +27,7 @@ int Messages::ShowText(const QString& text, const QString& caption, MsgButtons b
     return Sink().answer(request);
 }
 
-QString Messages::Format(int number, const QStringList& args)
-{
+QString Messages::Format(int number, const QStringList& args) {
     // One pass, so that an argument holding "%1" is never filled again.
     const QString pattern = LoadResString(number);
     QString text;
@@ -48,10 +45,11 @@ QString Messages::Format(int number, const QStringList& args)
     return text;
 }
 
-void Messages::SetSink(MessageSink* sink) { g_sink = sink; }
+void Messages::SetSink(MessageSink* sink) {
+    g_sink = sink;
+}
 
-MessageSink& Messages::Sink()
-{
+MessageSink& Messages::Sink() {
     static StderrMessageSink fallback;
     return g_sink ? *g_sink : fallback;
 }

@@ -8,9 +8,8 @@
 // the arguments filled into %1, %2, ... in order.
 class Messages {
 public:
-    static int Show(int number, const QStringList& args = {},
-                    MsgButtons buttons = MsgButtons::Ok, MsgIcon icon = MsgIcon::None,
-                    int captionNumber = 0);
+    static int Show(int number, const QStringList& args = {}, MsgButtons buttons = MsgButtons::Ok,
+                    MsgIcon icon = MsgIcon::None, int captionNumber = 0);
     // A text that is not in the string table, such as a platform's own message.
     static int ShowText(const QString& text, const QString& caption = {},
                         MsgButtons buttons = MsgButtons::Ok, MsgIcon icon = MsgIcon::None);

@@ -2,10 +2,11 @@
 
 #include "HostServices.h"
 
-PluginLoader::~PluginLoader() { unload(); }
+PluginLoader::~PluginLoader() {
+    unload();
+}
 
-bool PluginLoader::load(const QString& path, QString* error)
-{
+bool PluginLoader::load(const QString& path, QString* error) {
     unload();
     const auto fail = [&](const QString& reason) {
         if (error) {
@@ -16,8 +17,8 @@ bool PluginLoader::load(const QString& path, QString* error)
     };
     m_library.setFileName(path);
     if (!m_library.load()) {
-        return fail(QStringLiteral("cannot load the plug-in %1: %2")
-                        .arg(path, m_library.errorString()));
+        return fail(
+            QStringLiteral("cannot load the plug-in %1: %2").arg(path, m_library.errorString()));
     }
     m_entry = reinterpret_cast<PluginEntry>(m_library.resolve(kPluginEntryName));
     if (!m_entry) {
@@ -28,8 +29,8 @@ bool PluginLoader::load(const QString& path, QString* error)
     QString reason;
     m_applet = m_entry(kPluginAttach, &m_host, &reason);
     if (!m_applet) {
-        return fail(QStringLiteral("the plug-in %1 refused to load: %2")
-                        .arg(m_library.fileName(), reason));
+        return fail(
+            QStringLiteral("the plug-in %1 refused to load: %2").arg(m_library.fileName(), reason));
     }
     const int started = m_applet->initApplication();
     if (started != 0) {
@@ -41,8 +42,7 @@ bool PluginLoader::load(const QString& path, QString* error)
     return true;
 }
 
-void PluginLoader::unload()
-{
+void PluginLoader::unload() {
     if (m_applet) {
         m_applet->unloadDocument();
         m_applet->unloadApplication();

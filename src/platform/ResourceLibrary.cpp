@@ -11,8 +11,7 @@ std::unique_ptr<ResourceLibrary> g_loaded;
 }  // namespace
 
 std::unique_ptr<ResourceLibrary> ResourceLibrary::Load(const QString& folder,
-                                                       const QString& baseName, QString* error)
-{
+                                                       const QString& baseName, QString* error) {
     std::unique_ptr<ResourceLibrary> resources(new ResourceLibrary);
     resources->m_library.setFileName(QDir(folder).filePath(baseName));
     if (!resources->m_library.load()) {
@@ -36,55 +35,56 @@ std::unique_ptr<ResourceLibrary> ResourceLibrary::Load(const QString& folder,
     return resources;
 }
 
-ResourceLibrary::~ResourceLibrary()
-{
+ResourceLibrary::~ResourceLibrary() {
     if (g_current == this) {
         g_current = nullptr;
     }
     m_library.unload();
 }
 
-QString ResourceLibrary::string(int id) const
-{
+QString ResourceLibrary::string(int id) const {
     const char16_t* text = m_string ? m_string(id) : nullptr;
     return text ? QString::fromUtf16(text) : QString();
 }
 
-QString ResourceLibrary::bitmapPath(int id) const
-{
+QString ResourceLibrary::bitmapPath(int id) const {
     const QString path = QStringLiteral(":/zel_mbres/bitmaps/%1.bmp").arg(id);
     return QFile::exists(path) ? path : QString();
 }
 
-ResourceLibrary* CurrentResources() { return g_current; }
-void SetCurrentResources(ResourceLibrary* resources) { g_current = resources; }
+ResourceLibrary* CurrentResources() {
+    return g_current;
+}
+void SetCurrentResources(ResourceLibrary* resources) {
+    g_current = resources;
+}
 
 ResourceLibrary* LoadResDll(const QString& moduleName, const QString& resourceName,
-                            QString* error)
-{
+                            QString* error) {
     Q_UNUSED(moduleName);  // the resources lie beside the module that holds this code
     g_loaded = ResourceLibrary::Load(GenerateProgramDir(), resourceName, error);
     g_current = g_loaded.get();
     return g_current;
 }
 
-void UnloadResDll()
-{
+void UnloadResDll() {
     g_current = nullptr;
     g_loaded.reset();
 }
 
-ResourceLibrary* LoadedResources() { return g_loaded.get(); }
+ResourceLibrary* LoadedResources() {
+    return g_loaded.get();
+}
 
-QString LoadResString(int id)
-{
+QString LoadResString(int id) {
     const QString text = g_current ? g_current->string(id) : QString();
     return text.isEmpty() ? QStringLiteral("Message %1").arg(id) : text;
 }
 
-ResourceScope::ResourceScope(ResourceLibrary* resources) : m_previous(g_current)
-{
+ResourceScope::ResourceScope(ResourceLibrary* resources) : m_previous(g_current) {
     g_current = resources;
 }
 
-ResourceScope::~ResourceScope() { g_current = m_previous; }
+ResourceScope::~ResourceScope() {
+    g_current = m_previous;
+}

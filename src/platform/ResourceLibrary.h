@@ -38,8 +38,7 @@ void SetCurrentResources(ResourceLibrary* resources);
 
 // Loads the resource library beside the module moduleName and makes it current;
 // null (and a reason) when it is missing.
-ResourceLibrary* LoadResDll(const QString& moduleName, const QString& resourceName,
-                            QString* error);
+ResourceLibrary* LoadResDll(const QString& moduleName, const QString& resourceName, QString* error);
 void UnloadResDll();
 // The library LoadResDll loaded, current or not.
 ResourceLibrary* LoadedResources();

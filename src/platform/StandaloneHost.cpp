@@ -11,21 +11,18 @@
 namespace {
 
 // The string cell at place index of a call's arguments, or null.
-const QString* StringArg(const HostValue& args, std::size_t index)
-{
+const QString* StringArg(const HostValue& args, std::size_t index) {
     const HostCell* cell = args.at(index);
     return (cell && cell->type == kHostString) ? &cell->text : nullptr;
 }
 
-HostValue& AnswerPath(HostValue& result, const QString& path)
-{
+HostValue& AnswerPath(HostValue& result, const QString& path) {
     return path.isEmpty() ? result.nil() : result.string(path);
 }
 
 }  // namespace
 
-StandaloneHost::StandaloneHost(StandaloneHostConfig config) : m_config(std::move(config))
-{
+StandaloneHost::StandaloneHost(StandaloneHostConfig config) : m_config(std::move(config)) {
     m_reporter = [](const QString& text) {
         std::fprintf(stderr, "%s\n", qPrintable(text));
         std::fflush(stderr);
@@ -33,32 +30,27 @@ StandaloneHost::StandaloneHost(StandaloneHostConfig config) : m_config(std::move
     defineFamilyFunctions();
 }
 
-StandaloneHost::~StandaloneHost()
-{
+StandaloneHost::~StandaloneHost() {
     if (CurrentHost() == this) {
         SetCurrentHost(nullptr);
     }
 }
 
-void StandaloneHost::defineLispFunction(const QString& name, LispFunction function)
-{
+void StandaloneHost::defineLispFunction(const QString& name, LispFunction function) {
     m_lisp.insert(name.toLower(), std::move(function));
 }
 
-bool StandaloneHost::isDeclared(const QString& name) const
-{
+bool StandaloneHost::isDeclared(const QString& name) const {
     return m_declared.contains(name.toLower());
 }
 
-void StandaloneHost::report(const QString& text) const
-{
+void StandaloneHost::report(const QString& text) const {
     if (m_reporter) {
         m_reporter(text);
     }
 }
 
-QString StandaloneHost::searchFolders(const QString& name, const QStringList& folders) const
-{
+QString StandaloneHost::searchFolders(const QString& name, const QStringList& folders) const {
     const QString native = NativePath(name);
     if (QFileInfo(native).isAbsolute()) {
         return QFileInfo(native).isFile() ? native : QString();
@@ -72,8 +64,7 @@ QString StandaloneHost::searchFolders(const QString& name, const QStringList& fo
     return QString();
 }
 
-void StandaloneHost::defineFamilyFunctions()
-{
+void StandaloneHost::defineFamilyFunctions() {
     defineLispFunction(QStringLiteral("kv_fio_does_file_exist"),
                        [this](const HostValue& args, HostValue& result) {
                            const QString* name = StringArg(args, 1);
@@ -91,17 +82,16 @@ void StandaloneHost::defineFamilyFunctions()
                            result.nil();
                            return true;
                        });
-    defineLispFunction(QStringLiteral("kv_fio_does_block_exist_disk"),
-                       [this](const HostValue& args, HostValue& result) {
-                           const QString* name = StringArg(args, 0);
-                           if (!name) {
-                               return false;
-                           }
-                           const QStringList folders =
-                               StandaloneHostConfig::SplitPathList(m_config.kvLib);
-                           AnswerPath(result, searchFolders(*name, folders));
-                           return true;
-                       });
+    defineLispFunction(QStringLiteral("kv_fio_does_block_exist_disk"), [this](const HostValue& args,
+                                                                              HostValue& result) {
+        const QString* name = StringArg(args, 0);
+        if (!name) {
+            return false;
+        }
+        const QStringList folders = StandaloneHostConfig::SplitPathList(m_config.kvLib);
+        AnswerPath(result, searchFolders(*name, folders));
+        return true;
+    });
     defineLispFunction(QStringLiteral("kv_fio_block_path_failed_msg"),
                        [this](const HostValue& args, HostValue& result) {
                            const QString* name = StringArg(args, 0);
@@ -121,36 +111,35 @@ void StandaloneHost::defineFamilyFunctions()
                            value.isNull() ? result.nil() : result.string(value);
                            return true;
                        });
-    defineLispFunction(QStringLiteral("c:kv_msg"), [this](const HostValue& args,
-                                                          HostValue& result) {
-        const QString* key = StringArg(args, 0);
-        const QString* text = StringArg(args, 2);
-        if (!text) {
+    defineLispFunction(QStringLiteral("c:kv_msg"),
+                       [this](const HostValue& args, HostValue& result) {
+                           const QString* key = StringArg(args, 0);
+                           const QString* text = StringArg(args, 2);
+                           if (!text) {
+                               result.nil();
+                               return true;
+                           }
+                           result.string(key ? m_config.messages.value(*key, *text) : *text);
+                           return true;
+                       });
+    defineLispFunction(
+        QStringLiteral("kv_plca_plc_xtr"), [this](const HostValue&, HostValue& result) {
+            report(
+                QStringLiteral("kv_plca_plc_xtr: the PLC extraction belongs to the drawing "
+                               "program and does nothing here."));
             result.nil();
             return true;
-        }
-        result.string(key ? m_config.messages.value(*key, *text) : *text);
-        return true;
-    });
-    defineLispFunction(QStringLiteral("kv_plca_plc_xtr"), [this](const HostValue&,
-                                                                 HostValue& result) {
-        report(QStringLiteral("kv_plca_plc_xtr: the PLC extraction belongs to the drawing "
-                              "program and does nothing here."));
-        result.nil();
-        return true;
-    });
+        });
     // The family's Lisp side declares its own message command.
     m_declared.insert(QStringLiteral("c:kv_msg"));
 }
 
-bool StandaloneHost::isExternal(const QString& name) const
-{
+bool StandaloneHost::isExternal(const QString& name) const {
     return m_codes.contains(name.toLower());
 }
 
 StandaloneHost::CallResult StandaloneHost::callExternal(const QString& name,
-                                                        const HostValue& args)
-{
+                                                        const HostValue& args) {
     CallResult result;
     const auto code = m_codes.constFind(name.toLower());
     if (code == m_codes.constEnd()) {
@@ -170,8 +159,7 @@ StandaloneHost::CallResult StandaloneHost::callExternal(const QString& name,
     return result;
 }
 
-int StandaloneHost::defun(const QString& name, int code)
-{
+int StandaloneHost::defun(const QString& name, int code) {
     if (name.trimmed().isEmpty()) {
         return kHostErrorResult;
     }
@@ -180,8 +168,7 @@ int StandaloneHost::defun(const QString& name, int code)
     return kHostOk;
 }
 
-int StandaloneHost::regFunc(HostFunction function, int code)
-{
+int StandaloneHost::regFunc(HostFunction function, int code) {
     if (!function) {
         return kHostErrorResult;
     }
@@ -189,8 +176,7 @@ int StandaloneHost::regFunc(HostFunction function, int code)
     return kHostOk;
 }
 
-int StandaloneHost::retList(const HostValue& chain)
-{
+int StandaloneHost::retList(const HostValue& chain) {
     // The Lisp side receives the chain's elements as one list.
     m_value.clear();
     m_value.begin().append(chain).end();
@@ -198,22 +184,19 @@ int StandaloneHost::retList(const HostValue& chain)
     return kHostOk;
 }
 
-int StandaloneHost::retNil()
-{
+int StandaloneHost::retNil() {
     m_value.clear();
     m_answer = Answer::Nil;
     return kHostOk;
 }
 
-int StandaloneHost::retVoid()
-{
+int StandaloneHost::retVoid() {
     m_value.clear();
     m_answer = Answer::Void;
     return kHostOk;
 }
 
-int StandaloneHost::invoke(const HostValue& call, HostValue* result)
-{
+int StandaloneHost::invoke(const HostValue& call, HostValue* result) {
     const QString* name = StringArg(call, 0);
     if (!name) {
         return kHostErrorResult;
@@ -240,8 +223,7 @@ int StandaloneHost::invoke(const HostValue& call, HostValue* result)
     return kHostOk;
 }
 
-int StandaloneHost::evaluate(const HostValue& args, HostValue* result)
-{
+int StandaloneHost::evaluate(const HostValue& args, HostValue* result) {
     if (!m_hasDocument) {
         return kHostFailed;
     }
@@ -265,8 +247,7 @@ int StandaloneHost::evaluate(const HostValue& args, HostValue* result)
     return kHostOk;
 }
 
-int StandaloneHost::findFile(const QString& name, QString& found)
-{
+int StandaloneHost::findFile(const QString& name, QString& found) {
     const QString path = searchFolders(name, m_config.supportPath);
     if (path.isEmpty()) {
         return kHostErrorResult;
@@ -276,8 +257,7 @@ int StandaloneHost::findFile(const QString& name, QString& found)
 }
 
 int StandaloneHost::getFileD(const QString& title, const QString& defaultPath, const QString& ext,
-                             int flags, HostValue& result)
-{
+                             int flags, HostValue& result) {
     Q_UNUSED(title);
     Q_UNUSED(ext);
     Q_UNUSED(flags);
@@ -291,8 +271,7 @@ int StandaloneHost::getFileD(const QString& title, const QString& defaultPath, c
 }
 
 int StandaloneHost::getFileNavDialog(const QString& title, const QString& defaultName,
-                                     const QString& filter, int flags, QString& chosen)
-{
+                                     const QString& filter, int flags, QString& chosen) {
     HostValue answer;
     const int code = getFileD(title, defaultName, filter, flags, answer);
     if (code == kHostOk) {
@@ -301,15 +280,13 @@ int StandaloneHost::getFileNavDialog(const QString& title, const QString& defaul
     return code;
 }
 
-void StandaloneHost::help(const QString& file, const QString& topic, int command)
-{
+void StandaloneHost::help(const QString& file, const QString& topic, int command) {
     Q_UNUSED(file);
     Q_UNUSED(command);
     report(QStringLiteral("Help topic: %1").arg(topic));
 }
 
-QString StandaloneHost::realToString(double value, int mode, int precision)
-{
+QString StandaloneHost::realToString(double value, int mode, int precision) {
     const int decimals = precision < 0 ? m_config.linearPrecision : precision;
     if (value == 0.0) {
         value = 0.0;  // no "-0.0000"
@@ -321,8 +298,7 @@ QString StandaloneHost::realToString(double value, int mode, int precision)
 }
 
 int StandaloneHost::sendCommand(const QString& text, bool activate, bool wrapUpInactive,
-                                bool echo)
-{
+                                bool echo) {
     Q_UNUSED(activate);
     Q_UNUSED(wrapUpInactive);
     Q_UNUSED(echo);

@@ -69,7 +69,7 @@ private:
 
     StandaloneHostConfig m_config;
     Reporter m_reporter;
-    QMap<QString, int> m_codes;   // by lower-case external name
+    QMap<QString, int> m_codes;      // by lower-case external name
     QMap<QString, QString> m_names;  // lower-case name -> name as registered
     QMap<int, HostFunction> m_functions;
     QMap<QString, LispFunction> m_lisp;  // by lower-case name

@@ -2,67 +2,79 @@
 
 #include "ZelUtils.h"
 
+#include <QFile>
 #include <QFileInfo>
-#include <QSettings>
+#include <QTextStream>
 
-bool StandaloneHostConfig::load(const QString& file, QString* error)
-{
-    const QFileInfo info(file);
-    if (!info.exists()) {
+namespace {
+
+// "group/key" -> value of a plain INI text: "[group]" lines, "key=value" lines, and
+// comment lines that begin with ";" or "#". Values are taken as written (commas and
+// semicolons included); surrounding double quotes are dropped.
+QMap<QString, QString> ReadIni(QFile& file) {
+    QMap<QString, QString> values;
+    QString group;
+    QTextStream in(&file);
+    QString line;
+    while (in.readLineInto(&line)) {
+        line = line.trimmed();
+        if (line.isEmpty() || line.startsWith(u';') || line.startsWith(u'#')) {
+            continue;
+        }
+        if (line.startsWith(u'[') && line.endsWith(u']')) {
+            group = line.mid(1, line.size() - 2).trimmed().toLower();
+            continue;
+        }
+        const qsizetype equals = line.indexOf(u'=');
+        if (equals <= 0) {
+            continue;
+        }
+        QString value = line.mid(equals + 1).trimmed();
+        if (value.size() >= 2 && value.startsWith(u'"') && value.endsWith(u'"')) {
+            value = value.mid(1, value.size() - 2);
+        }
+        values.insert(group + u'/' + line.left(equals).trimmed(), value);
+    }
+    return values;
+}
+
+}  // namespace
+
+bool StandaloneHostConfig::load(const QString& file, QString* error) {
+    if (!QFileInfo::exists(file)) {
         return true;
     }
-    if (!info.isFile() || !info.isReadable()) {
+    QFile ini(file);
+    if (!QFileInfo(file).isFile() || !ini.open(QIODevice::ReadOnly | QIODevice::Text)) {
         if (error) {
             *error = QStringLiteral("cannot read the host settings file %1").arg(file);
         }
         return false;
     }
-    QSettings settings(file, QSettings::IniFormat);
-    if (settings.status() != QSettings::NoError) {
-        if (error) {
-            *error = QStringLiteral("the host settings file %1 is not a valid settings file")
-                         .arg(file);
+    const QMap<QString, QString> values = ReadIni(ini);
+    for (auto it = values.constBegin(); it != values.constEnd(); ++it) {
+        const QString group = it.key().section(u'/', 0, 0);
+        const QString key = it.key().section(u'/', 1);
+        if (group == QStringLiteral("variables")) {
+            variables.insert(key.toUpper(), it.value());
+        } else if (group == QStringLiteral("messages")) {
+            messages.insert(key, it.value());
         }
-        return false;
     }
-    settings.beginGroup(QStringLiteral("host"));
-    // A value with commas comes back as a list; the path list uses ";" anyway.
-    const auto text = [&settings](const QString& key, const QString& fallback) {
-        const QVariant value = settings.value(key);
-        if (!value.isValid()) {
-            return fallback;
-        }
-        return value.typeId() == QMetaType::QStringList ? value.toStringList().join(u',')
-                                                        : value.toString();
-    };
-    if (settings.contains(QStringLiteral("support_path"))) {
-        supportPath = SplitPathList(text(QStringLiteral("support_path"), QString()));
+    if (values.contains(QStringLiteral("host/support_path"))) {
+        supportPath = SplitPathList(values.value(QStringLiteral("host/support_path")));
     }
-    kvLib = text(QStringLiteral("kv_lib"), kvLib);
-    docSetBase = text(QStringLiteral("doc_set_base"), docSetBase);
+    kvLib = values.value(QStringLiteral("host/kv_lib"), kvLib);
+    docSetBase = values.value(QStringLiteral("host/doc_set_base"), docSetBase);
     bool ok = false;
-    const int precision = text(QStringLiteral("linear_precision"), QString()).toInt(&ok);
+    const int precision = values.value(QStringLiteral("host/linear_precision")).toInt(&ok);
     if (ok && precision >= 0 && precision <= 8) {
         linearPrecision = precision;
-    }
-    settings.endGroup();
-    for (const QString& group : {QStringLiteral("variables"), QStringLiteral("messages")}) {
-        settings.beginGroup(group);
-        for (const QString& key : settings.childKeys()) {
-            const QString value = text(key, QString());
-            if (group == QStringLiteral("variables")) {
-                variables.insert(key.toUpper(), value);
-            } else {
-                messages.insert(key, value);
-            }
-        }
-        settings.endGroup();
     }
     return true;
 }
 
-void StandaloneHostConfig::applyEnvironment()
-{
+void StandaloneHostConfig::applyEnvironment() {
     if (qEnvironmentVariableIsSet("PLCDB_SUPPORT_PATH")) {
         supportPath = SplitPathList(qEnvironmentVariable("PLCDB_SUPPORT_PATH"));
     }
@@ -79,8 +91,7 @@ void StandaloneHostConfig::applyEnvironment()
     }
 }
 
-QString StandaloneHostConfig::variable(const QString& name) const
-{
+QString StandaloneHostConfig::variable(const QString& name) const {
     const QString key = name.toUpper();
     if (key == QStringLiteral("GBL_KV_LIB")) {
         return kvLib;
@@ -91,8 +102,7 @@ QString StandaloneHostConfig::variable(const QString& name) const
     return variables.value(key);
 }
 
-QStringList StandaloneHostConfig::SplitPathList(const QString& text)
-{
+QStringList StandaloneHostConfig::SplitPathList(const QString& text) {
     QStringList folders;
     for (const QString& part : text.split(u';')) {
         const QString folder = part.trimmed();

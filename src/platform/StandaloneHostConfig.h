@@ -5,13 +5,14 @@
 #include <QStringList>
 
 // What the standalone host answers for the family's Lisp side: its search path, the
-// family's variables, its number precision and its message translations. Read from
-// an INI settings file; environment variables and command-line options override it.
+// family's variables, its number precision and its message translations. Read from a
+// plain INI file (groups host, variables, messages); environment variables and
+// command-line options override it.
 struct StandaloneHostConfig {
-    QStringList supportPath;  // folders searched for support files, in order
-    QString kvLib;            // "GBL_kv_lib": block folders separated by ";"
-    QString docSetBase;       // "GBL_kv_DocSetBase"
-    int linearPrecision = 4;  // decimals of numbers formatted with precision -1
+    QStringList supportPath;           // folders searched for support files, in order
+    QString kvLib;                     // "GBL_kv_lib": block folders separated by ";"
+    QString docSetBase;                // "GBL_kv_DocSetBase"
+    int linearPrecision = 4;           // decimals of numbers formatted with precision -1
     QMap<QString, QString> variables;  // further variables, by upper-case name
     QMap<QString, QString> messages;   // translations of "c:kv_msg", by key
     QString fileAnswer;                // the answer to every file question, when set

@@ -1,7 +1,6 @@
 #include "ZelApplet.h"
 
-int ZelApplet::invokeExternalFunction(int code)
-{
+int ZelApplet::invokeExternalFunction(int code) {
     const HostFunction function = m_functions.value(code, nullptr);
     return function ? function() : 0;
 }

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr qint64 kChunkSize = 64 * 1024;
+constexpr qint64 kChunkSize = qint64(64) * 1024;
 
 struct TextEncoding {
     QStringConverter::Encoding encoding = QStringConverter::Utf8;

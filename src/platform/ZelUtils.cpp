@@ -9,8 +9,7 @@
 #include <dlfcn.h>
 #endif
 
-bool GetToken(QString& text, QString& token, const QString& delimiters)
-{
+bool GetToken(QString& text, QString& token, const QString& delimiters) {
     for (qsizetype i = 0; i < text.size(); ++i) {
         if (delimiters.contains(text[i])) {
             token = text.left(i);
@@ -22,8 +21,7 @@ bool GetToken(QString& text, QString& token, const QString& delimiters)
     return false;
 }
 
-int ReplaceStringInString(QString& text, const QString& find, const QString& replace)
-{
+int ReplaceStringInString(QString& text, const QString& find, const QString& replace) {
     if (find.isEmpty()) {
         return 0;
     }
@@ -34,8 +32,7 @@ int ReplaceStringInString(QString& text, const QString& find, const QString& rep
     return count;
 }
 
-QString NativePath(const QString& path)
-{
+QString NativePath(const QString& path) {
     QString result = path;
     const QChar separator = QDir::separator();
     for (QChar& c : result) {
@@ -46,8 +43,7 @@ QString NativePath(const QString& path)
     return result;
 }
 
-void EnsureEndingBackslash(QString& path)
-{
+void EnsureEndingBackslash(QString& path) {
     if (path.isEmpty()) {
         return;
     }
@@ -56,8 +52,7 @@ void EnsureEndingBackslash(QString& path)
     }
 }
 
-void EnsureExtension(QString& name, const QString& extension)
-{
+void EnsureExtension(QString& name, const QString& extension) {
     if (name.isEmpty() || extension.isEmpty()) {
         return;
     }
@@ -67,8 +62,7 @@ void EnsureExtension(QString& name, const QString& extension)
     }
 }
 
-QString GenerateProgramDir()
-{
+QString GenerateProgramDir() {
 #if defined(Q_OS_UNIX)
     Dl_info info{};
     if (dladdr(reinterpret_cast<const void*>(&GenerateProgramDir), &info) != 0 && info.dli_fname) {
@@ -78,19 +72,23 @@ QString GenerateProgramDir()
     return QCoreApplication::applicationDirPath();
 }
 
-void SetStringWithLength(QString& target, const QString& source, int maxChars)
-{
+void SetStringWithLength(QString& target, const QString& source, int maxChars) {
     target = GetStringAtCharCount(source, maxChars);
 }
 
-QString GetLocaleDecimalSep() { return QLocale().decimalPoint(); }
+QString GetLocaleDecimalSep() {
+    return QLocale().decimalPoint();
+}
 
-int GetCharCount(const QString& text) { return int(text.toUcs4().size()); }
+int GetCharCount(const QString& text) {
+    return int(text.toUcs4().size());
+}
 
-int GetByteCount(const QString& text) { return int(text.toUtf8().size()); }
+int GetByteCount(const QString& text) {
+    return int(text.toUtf8().size());
+}
 
-QString GetStringAtCharCount(const QString& text, int count)
-{
+QString GetStringAtCharCount(const QString& text, int count) {
     if (count <= 0) {
         return QString();
     }

@@ -16,23 +16,20 @@ namespace {
 class RefusingHost : public StandaloneHost {
 public:
     QString refused;
-    int defun(const QString& name, int code) override
-    {
+    int defun(const QString& name, int code) override {
         return name == refused ? kHostErrorResult : StandaloneHost::defun(name, code);
     }
 };
 
 // The list "zel_mbsel" gets from the Lisp side; place 4 is the style.
-HostValue SelectionList()
-{
+HostValue SelectionList() {
     HostValue list;
     list.begin().shortInt(0).string(QStringLiteral("C:/db")).nil().string(QStringLiteral("3"));
     list.string(QStringLiteral("v")).real(1.5).shortInt(1).string(QString()).shortInt(1).end();
     return list;
 }
 
-HostValue Replaced(std::size_t place, const HostCell& cell)
-{
+HostValue Replaced(std::size_t place, const HostCell& cell) {
     std::vector<HostCell> cells = SelectionList().cells();
     cells[place] = cell;
     return HostValue(cells);
@@ -45,19 +42,17 @@ bool g_editorAnswer = false;
 
 class DispatcherTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         QString error;
-        m_resources = ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"),
-                                            &error);
+        m_resources =
+            ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"), &error);
         ASSERT_TRUE(m_resources) << qPrintable(error);
         SetCurrentResources(m_resources.get());
         m_host.setReporter([this](const QString& text) { m_reports << text; });
         m_host.openDocument();
         SetCurrentHost(&m_host);
     }
-    void TearDown() override
-    {
+    void TearDown() override {
         m_applet.unloadApplication();
         CommandDispatcher::SetSelectionRunner(nullptr);
         CommandDispatcher::SetEditorRunner(nullptr);
@@ -65,8 +60,7 @@ protected:
         SetCurrentHost(nullptr);
         SetCurrentResources(nullptr);
     }
-    void start()
-    {
+    void start() {
         ASSERT_EQ(m_applet.initApplication(), 0);
         ASSERT_EQ(m_applet.loadDocument(), 0);
     }
@@ -78,8 +72,7 @@ protected:
     QStringList m_reports;
 };
 
-TEST_F(DispatcherTest, DocumentLoadRegistersNamesAndDeclaresLispFunctions)
-{
+TEST_F(DispatcherTest, DocumentLoadRegistersNamesAndDeclaresLispFunctions) {
     m_host.refused = QStringLiteral("c:ZLPLCDB");
     start();
     EXPECT_NE(ZelPlcDbIO::Instance(), nullptr);
@@ -95,8 +88,7 @@ TEST_F(DispatcherTest, DocumentLoadRegistersNamesAndDeclaresLispFunctions)
     EXPECT_EQ(m_host.callExternal(QStringLiteral("zel_delay"), HostValue().shortInt(1)).handled, 1);
 }
 
-TEST_F(DispatcherTest, AStoreThatCannotBeMadeEndsTheStart)
-{
+TEST_F(DispatcherTest, AStoreThatCannotBeMadeEndsTheStart) {
     CMBApplet::SetStoreFactory([]() -> ZelPlcDbIO* { return nullptr; });
     EXPECT_EQ(m_applet.initApplication(), CMBApplet::kStartFailed);
     ASSERT_EQ(m_messages.shown.size(), 1u);
@@ -104,8 +96,7 @@ TEST_F(DispatcherTest, AStoreThatCannotBeMadeEndsTheStart)
     EXPECT_EQ(ZelPlcDbIO::Instance(), nullptr);
 }
 
-TEST_F(DispatcherTest, SelectionArgumentsAreConverted)
-{
+TEST_F(DispatcherTest, SelectionArgumentsAreConverted) {
     SelectionArgs args;
     ASSERT_TRUE(CommandDispatcher::ParseSelectionArgs(SelectionList(), args));
     EXPECT_EQ(args.strPath, NativePath(QStringLiteral("C:/db")));
@@ -131,12 +122,11 @@ TEST_F(DispatcherTest, SelectionArgumentsAreConverted)
     EXPECT_FALSE(args.bGroupB);
 }
 
-TEST_F(DispatcherTest, AnyBadCellRefusesTheSelection)
-{
+TEST_F(DispatcherTest, AnyBadCellRefusesTheSelection) {
     const HostCell wrong[10] = {
-        HostCell::Short(0),         HostCell::String("x"), HostCell::Short(1),
-        HostCell::String("x"),      HostCell::Short(5),    HostCell::Marker(kHostNil),
-        HostCell::Short(1),         HostCell::Real(1.0),   HostCell::Marker(kHostNil),
+        HostCell::Short(0),    HostCell::String("x"), HostCell::Short(1),
+        HostCell::String("x"), HostCell::Short(5),    HostCell::Marker(kHostNil),
+        HostCell::Short(1),    HostCell::Real(1.0),   HostCell::Marker(kHostNil),
         HostCell::String("x"),
     };
     SelectionArgs args;
@@ -150,22 +140,20 @@ TEST_F(DispatcherTest, AnyBadCellRefusesTheSelection)
     EXPECT_FALSE(CommandDispatcher::ParseSelectionArgs(HostValue(), args));
 }
 
-TEST_F(DispatcherTest, BadSelectionAnswersNilWithoutOpeningAnything)
-{
+TEST_F(DispatcherTest, BadSelectionAnswersNilWithoutOpeningAnything) {
     start();
     CommandDispatcher::SetSelectionRunner([](const SelectionArgs&, HostValue&) {
         ADD_FAILURE() << "the dialog must not open";
         return false;
     });
-    const auto result = m_host.callExternal(QStringLiteral("zel_mbsel"),
-                                            Replaced(4, HostCell::Short(5)));
+    const auto result =
+        m_host.callExternal(QStringLiteral("zel_mbsel"), Replaced(4, HostCell::Short(5)));
     EXPECT_EQ(result.handled, 1);
     EXPECT_EQ(result.answer, StandaloneHost::Answer::Nil);
     EXPECT_TRUE(m_messages.shown.empty());
 }
 
-TEST_F(DispatcherTest, AConfirmedSelectionAnswersTheDialogsList)
-{
+TEST_F(DispatcherTest, AConfirmedSelectionAnswersTheDialogsList) {
     start();
     CommandDispatcher::SetSelectionRunner([](const SelectionArgs& args, HostValue& result) {
         g_lastSelection = args;
@@ -179,8 +167,7 @@ TEST_F(DispatcherTest, AConfirmedSelectionAnswersTheDialogsList)
     EXPECT_EQ(g_lastSelection.nStyle, 3);
 }
 
-TEST_F(DispatcherTest, DelayTakesAPositiveShortElseARandomDefault)
-{
+TEST_F(DispatcherTest, DelayTakesAPositiveShortElseARandomDefault) {
     EXPECT_EQ(CommandDispatcher::DelayMilliseconds(HostValue().shortInt(1)), 1);
     EXPECT_EQ(CommandDispatcher::DelayMilliseconds(HostValue().shortInt(250)), 250);
     const HostValue defaults[] = {HostValue().shortInt(0), HostValue().shortInt(-5),
@@ -195,8 +182,7 @@ TEST_F(DispatcherTest, DelayTakesAPositiveShortElseARandomDefault)
     }
 }
 
-TEST_F(DispatcherTest, EditorAsksForTheInsertOnlyWhenItSaysSo)
-{
+TEST_F(DispatcherTest, EditorAsksForTheInsertOnlyWhenItSaysSo) {
     start();
     CommandDispatcher::SetEditorRunner([] { return g_editorAnswer; });
     g_editorAnswer = false;
@@ -207,8 +193,7 @@ TEST_F(DispatcherTest, EditorAsksForTheInsertOnlyWhenItSaysSo)
     EXPECT_EQ(m_host.sentCommands(), QStringList({QStringLiteral("_.kv_inplc\n")}));
 }
 
-TEST_F(DispatcherTest, MigrationCommandAsksForAFileAndReturnsNothing)
-{
+TEST_F(DispatcherTest, MigrationCommandAsksForAFileAndReturnsNothing) {
     start();
     const auto result = m_host.callExternal(QStringLiteral("c:ZLPLCMIGRATE"), HostValue());
     EXPECT_EQ(result.handled, 1);

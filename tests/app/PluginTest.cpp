@@ -16,8 +16,7 @@ struct ProcessRun {
 };
 
 // Runs plcdb with its own empty settings, so the user's host settings play no part.
-ProcessRun RunPlcdb(const QString& program, const QStringList& args, const QByteArray& input = {})
-{
+ProcessRun RunPlcdb(const QString& program, const QStringList& args, const QByteArray& input = {}) {
     QTemporaryDir home;
     QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -38,22 +37,21 @@ ProcessRun RunPlcdb(const QString& program, const QStringList& args, const QByte
     return run;
 }
 
-ProcessRun Call(const QStringList& args, const QByteArray& input = {})
-{
+ProcessRun Call(const QStringList& args, const QByteArray& input = {}) {
     return RunPlcdb(BuildPath(QStringLiteral("plcdb")), QStringList{QStringLiteral("call")} + args,
                     input);
 }
 
 }  // namespace
 
-TEST(Plugin, CallsPrintTheirAnswersAsLispText)
-{
+TEST(Plugin, CallsPrintTheirAnswersAsLispText) {
     ProcessRun delay = Call({QStringLiteral("(zel_delay 1)")});
     EXPECT_EQ(delay.status, 0) << qPrintable(delay.err);
     EXPECT_EQ(delay.out, QString());
 
     // An integer where the style text belongs: nil, and no dialog.
-    ProcessRun badStyle = Call({QStringLiteral("(zel_mbsel '(0 \"\" nil 5 \"V\" 1.0 nil \"\" nil))")});
+    ProcessRun badStyle =
+        Call({QStringLiteral("(zel_mbsel '(0 \"\" nil 5 \"V\" 1.0 nil \"\" nil))")});
     EXPECT_EQ(badStyle.status, 0) << qPrintable(badStyle.err);
     EXPECT_EQ(badStyle.out, QStringLiteral("nil\n"));
     EXPECT_EQ(badStyle.err, QString());
@@ -62,17 +60,16 @@ TEST(Plugin, CallsPrintTheirAnswersAsLispText)
     EXPECT_EQ(tooShort.out, QStringLiteral("nil\n"));
 }
 
-TEST(Plugin, StandardInputGivesOneAnswerALine)
-{
-    ProcessRun run = Call({QStringLiteral("-")},
-                   "(zel_mbsel '(0))\n\n(zel_delay 1)\n(no_such_function)\n(zel_mbsel '(1 2))\n");
+TEST(Plugin, StandardInputGivesOneAnswerALine) {
+    ProcessRun run =
+        Call({QStringLiteral("-")},
+             "(zel_mbsel '(0))\n\n(zel_delay 1)\n(no_such_function)\n(zel_mbsel '(1 2))\n");
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.out, QStringLiteral("nil\n\n\nnil\n"));
     EXPECT_TRUE(run.err.contains(QStringLiteral("no_such_function")));
 }
 
-TEST(Plugin, UnreadableTextAndUnknownNamesExitWithStatusTwo)
-{
+TEST(Plugin, UnreadableTextAndUnknownNamesExitWithStatusTwo) {
     for (const char* expression : {"(zel_delay", "(zel_delay 99999)", "(bogus 1)", "zel_delay"}) {
         ProcessRun run = Call({QString::fromLatin1(expression)});
         EXPECT_EQ(run.status, 2) << expression;
@@ -81,21 +78,20 @@ TEST(Plugin, UnreadableTextAndUnknownNamesExitWithStatusTwo)
     }
 }
 
-TEST(Plugin, HelpIsThereForTheProgramAndItsCommands)
-{
+TEST(Plugin, HelpIsThereForTheProgramAndItsCommands) {
     ProcessRun main = RunPlcdb(BuildPath(QStringLiteral("plcdb")), {QStringLiteral("--help")});
     EXPECT_EQ(main.status, 0);
     EXPECT_TRUE(main.out.contains(QStringLiteral("call EXPR")));
     ProcessRun call = RunPlcdb(BuildPath(QStringLiteral("plcdb")),
-                        {QStringLiteral("call"), QStringLiteral("--help")});
+                               {QStringLiteral("call"), QStringLiteral("--help")});
     EXPECT_EQ(call.status, 0);
     EXPECT_TRUE(call.out.contains(QStringLiteral("zel_mbsel")));
-    ProcessRun unknown = RunPlcdb(BuildPath(QStringLiteral("plcdb")), {QStringLiteral("frobnicate")});
+    ProcessRun unknown =
+        RunPlcdb(BuildPath(QStringLiteral("plcdb")), {QStringLiteral("frobnicate")});
     EXPECT_EQ(unknown.status, 2);
 }
 
-TEST(Plugin, WithoutItsResourceLibraryThePluginRefusesToStart)
-{
+TEST(Plugin, WithoutItsResourceLibraryThePluginRefusesToStart) {
     QTemporaryDir dir;
     const QString program = dir.filePath(QStringLiteral("plcdb"));
     ASSERT_TRUE(QFile::copy(BuildPath(QStringLiteral("plcdb")), program));

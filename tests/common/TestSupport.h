@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <ostream>
 #include <vector>
 
 // Path of a file in the build folder (the programs and libraries) or in the sources.
@@ -23,3 +24,6 @@ public:
     std::vector<int> answers;  // taken from the front, one per message
     int fallback = kIdOk;
 };
+
+// Readable QString values in test failures.
+void PrintTo(const QString& text, std::ostream* os);

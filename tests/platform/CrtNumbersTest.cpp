@@ -12,8 +12,7 @@ struct RealCase {
 
 class WtofTest : public testing::TestWithParam<RealCase> {};
 
-TEST_P(WtofTest, ReadsTheLeadingNumber)
-{
+TEST_P(WtofTest, ReadsTheLeadingNumber) {
     EXPECT_DOUBLE_EQ(crt::wtof(QString::fromUtf8(GetParam().text)), GetParam().value);
 }
 
@@ -27,8 +26,7 @@ INSTANTIATE_TEST_SUITE_P(Texts, WtofTest,
                                          RealCase{"+4", 4.0}, RealCase{".", 0.0},
                                          RealCase{"-", 0.0}, RealCase{"1e-3", 0.001}));
 
-TEST(CrtNumbers, IntegersStopAtTheFirstNonDigitAndClamp)
-{
+TEST(CrtNumbers, IntegersStopAtTheFirstNonDigitAndClamp) {
     EXPECT_EQ(crt::wtoi(QStringLiteral("3")), 3);
     EXPECT_EQ(crt::wtoi(QStringLiteral(" 12abc")), 12);
     EXPECT_EQ(crt::wtoi(QStringLiteral("-7.9")), -7);
@@ -39,8 +37,7 @@ TEST(CrtNumbers, IntegersStopAtTheFirstNonDigitAndClamp)
     EXPECT_EQ(crt::wtol(QStringLiteral("")), 0L);
 }
 
-TEST(CrtNumbers, AHugeExponentGivesAnInfiniteValueOfTheRightSign)
-{
+TEST(CrtNumbers, AHugeExponentGivesAnInfiniteValueOfTheRightSign) {
     EXPECT_TRUE(std::isinf(crt::wtof(QStringLiteral("1e999"))));
     EXPECT_LT(crt::wtof(QStringLiteral("-1e999")), 0.0);
 }

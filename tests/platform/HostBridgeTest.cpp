@@ -14,8 +14,7 @@
 
 namespace {
 
-void Touch(const QString& path)
-{
+void Touch(const QString& path) {
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -27,11 +26,11 @@ void Touch(const QString& path)
 // and the resource library's placeholder texts current.
 class HostBridgeTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         ASSERT_TRUE(m_dir.isValid());
         QString error;
-        m_resources = ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"), &error);
+        m_resources =
+            ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"), &error);
         ASSERT_TRUE(m_resources) << qPrintable(error);
         SetCurrentResources(m_resources.get());
 
@@ -43,18 +42,19 @@ protected:
         m_host->setReporter([this](const QString& text) { m_reports << text; });
         m_host->openDocument();
         SetCurrentHost(m_host.get());
-        for (const char* name : {"kv_fio_does_file_exist", "kv_fio_does_file_exist_error",
-                                 "kv_fio_does_block_exist_disk", "kv_fio_block_path_failed_msg",
-                                 "zel_get_var"}) {
+        for (const char* name :
+             {"kv_fio_does_file_exist", "kv_fio_does_file_exist_error",
+              "kv_fio_does_block_exist_disk", "kv_fio_block_path_failed_msg", "zel_get_var"}) {
             ASSERT_EQ(DeclareLispFunction(QString::fromLatin1(name)), kHostOk);
         }
     }
-    void TearDown() override
-    {
+    void TearDown() override {
         SetCurrentHost(nullptr);
         SetCurrentResources(nullptr);
     }
-    QString path(const QString& name) const { return QDir::toNativeSeparators(m_dir.filePath(name)); }
+    QString path(const QString& name) const {
+        return QDir::toNativeSeparators(m_dir.filePath(name));
+    }
 
     QTemporaryDir m_dir;
     std::unique_ptr<ResourceLibrary> m_resources;
@@ -62,8 +62,7 @@ protected:
     QStringList m_reports;
 };
 
-TEST_F(HostBridgeTest, SupportFileFoundOrReportedOnce)
-{
+TEST_F(HostBridgeTest, SupportFileFoundOrReportedOnce) {
     Touch(path("support/ZEL_PLC.MDB"));
     QString out = QStringLiteral("before");
     EXPECT_TRUE(FindDatabaseFile(out));
@@ -81,8 +80,7 @@ TEST_F(HostBridgeTest, SupportFileFoundOrReportedOnce)
     EXPECT_EQ(m_reports.size(), 1);
 }
 
-TEST_F(HostBridgeTest, BlockFilesComeFromTheLibraryFolders)
-{
+TEST_F(HostBridgeTest, BlockFilesComeFromTheLibraryFolders) {
     Touch(path("lib2/HP1TERM.SHT"));
     QString out;
     EXPECT_TRUE(FindBlockFile(QStringLiteral("HP1TERM.SHT"), out, true));
@@ -92,8 +90,7 @@ TEST_F(HostBridgeTest, BlockFilesComeFromTheLibraryFolders)
     EXPECT_TRUE(m_reports[0].contains(QStringLiteral("NONE.SHT")));
 }
 
-TEST_F(HostBridgeTest, UndeclaredFunctionsAreRefused)
-{
+TEST_F(HostBridgeTest, UndeclaredFunctionsAreRefused) {
     StandaloneHost fresh;
     fresh.openDocument();
     SetCurrentHost(&fresh);
@@ -107,8 +104,7 @@ TEST_F(HostBridgeTest, UndeclaredFunctionsAreRefused)
     EXPECT_EQ(DeclareLispFunction(QStringLiteral("zel_get_var")), kHostFailed);
 }
 
-TEST_F(HostBridgeTest, LibraryPathsAreSplitTrimmedAndNative)
-{
+TEST_F(HostBridgeTest, LibraryPathsAreSplitTrimmedAndNative) {
     QStringList list;
     ASSERT_TRUE(GetLibraryPaths(list));
     EXPECT_EQ(list, QStringList({path("lib1"), path("lib2")}));
@@ -133,8 +129,7 @@ TEST_F(HostBridgeTest, LibraryPathsAreSplitTrimmedAndNative)
     EXPECT_TRUE(list.isEmpty());
 }
 
-TEST_F(HostBridgeTest, SearchPathListFollowsFoldersAndBothPlaceholders)
-{
+TEST_F(HostBridgeTest, SearchPathListFollowsFoldersAndBothPlaceholders) {
     Touch(path("own/A.SHT"));
     Touch(path("support/B.SHT"));
     Touch(path("lib2/C.SHT"));
@@ -160,8 +155,7 @@ TEST_F(HostBridgeTest, SearchPathListFollowsFoldersAndBothPlaceholders)
     EXPECT_TRUE(m_reports.isEmpty());
 }
 
-TEST_F(HostBridgeTest, MessagesAreTranslatedByKey)
-{
+TEST_F(HostBridgeTest, MessagesAreTranslatedByKey) {
     QString text = QStringLiteral("SLOT");
     EXPECT_TRUE(TranslateMessage(QStringLiteral("PROMPT_SLOT"), text));
     EXPECT_EQ(text, QStringLiteral("Steckplatz"));
@@ -170,8 +164,7 @@ TEST_F(HostBridgeTest, MessagesAreTranslatedByKey)
     EXPECT_EQ(text, QStringLiteral("RACK"));
 }
 
-TEST_F(HostBridgeTest, HostNumbersUseTheLinearPrecision)
-{
+TEST_F(HostBridgeTest, HostNumbersUseTheLinearPrecision) {
     EXPECT_EQ(HostRealToString(12.5, 2, -1), QStringLiteral("12.5000"));
     EXPECT_EQ(HostRealToString(12.5, 2, 1), QStringLiteral("12.5"));
     EXPECT_EQ(HostRealToString(-0.0, 2, 2), QStringLiteral("0.00"));
@@ -185,19 +178,15 @@ struct RealTextCase {
 
 class RealToTextTest : public testing::TestWithParam<RealTextCase> {};
 
-TEST_P(RealToTextTest, FormatsLikeTheRuntime)
-{
+TEST_P(RealToTextTest, FormatsLikeTheRuntime) {
     QString out;
     EXPECT_TRUE(RealToText(GetParam().value, out, GetParam().digits));
     EXPECT_EQ(out, QString::fromLatin1(GetParam().text));
 }
 
-INSTANTIATE_TEST_SUITE_P(Values, RealToTextTest,
-                         testing::Values(RealTextCase{12.5, 4, "12.5000"},
-                                         RealTextCase{0.05, 4, ".500"},
-                                         RealTextCase{-0.5, 2, "-0.50"},
-                                         RealTextCase{0.0, 2, "0.00"},
-                                         RealTextCase{0.5, 4, "0.5000"},
-                                         RealTextCase{0.001, 2, "0"},
-                                         RealTextCase{-1234.56789, 3, "-1234.568"},
-                                         RealTextCase{12.0, 0, "12."}));
+INSTANTIATE_TEST_SUITE_P(
+    Values, RealToTextTest,
+    testing::Values(RealTextCase{12.5, 4, "12.5000"}, RealTextCase{0.05, 4, ".500"},
+                    RealTextCase{-0.5, 2, "-0.50"}, RealTextCase{0.0, 2, "0.00"},
+                    RealTextCase{0.5, 4, "0.5000"}, RealTextCase{0.001, 2, "0"},
+                    RealTextCase{-1234.56789, 3, "-1234.568"}, RealTextCase{12.0, 0, "12."}));

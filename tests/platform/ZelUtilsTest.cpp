@@ -15,8 +15,7 @@ struct TokenCase {
 
 class GetTokenTest : public testing::TestWithParam<TokenCase> {};
 
-TEST_P(GetTokenTest, CutsAtTheFirstDelimiter)
-{
+TEST_P(GetTokenTest, CutsAtTheFirstDelimiter) {
     const TokenCase& c = GetParam();
     QString text = QString::fromUtf8(c.text);
     QString token = QStringLiteral("old");
@@ -28,22 +27,20 @@ TEST_P(GetTokenTest, CutsAtTheFirstDelimiter)
 INSTANTIATE_TEST_SUITE_P(
     Texts, GetTokenTest,
     testing::Values(TokenCase{"A=1;B=2", ";", true, "A=1", "B=2"},
-                    TokenCase{";B=2", ";", true, "", "B=2"},       // leading delimiter
-                    TokenCase{"B=2", ";", false, "", "B=2"},       // nothing left to cut
-                    TokenCase{"A=1;", ";", true, "A=1", ""},       // empty rest
-                    TokenCase{"a b;c", " ;", true, "a", "b;c"},    // any of the delimiters
+                    TokenCase{";B=2", ";", true, "", "B=2"},     // leading delimiter
+                    TokenCase{"B=2", ";", false, "", "B=2"},     // nothing left to cut
+                    TokenCase{"A=1;", ";", true, "A=1", ""},     // empty rest
+                    TokenCase{"a b;c", " ;", true, "a", "b;c"},  // any of the delimiters
                     TokenCase{"", ";", false, "", ""}));
 
-TEST(ZelUtils, ReplaceCountsEveryOccurrence)
-{
+TEST(ZelUtils, ReplaceCountsEveryOccurrence) {
     QString text = QStringLiteral("A  =1 =2");
     EXPECT_EQ(ReplaceStringInString(text, QStringLiteral(" ="), QStringLiteral("=")), 2);
     EXPECT_EQ(text, QStringLiteral("A =1=2"));
     EXPECT_EQ(ReplaceStringInString(text, QString(), QStringLiteral("x")), 0);
 }
 
-TEST(ZelUtils, PathsTakeTheNativeSeparator)
-{
+TEST(ZelUtils, PathsTakeTheNativeSeparator) {
     const QString sep = QDir::separator();
     EXPECT_EQ(NativePath(QStringLiteral("a/b\\c")), QStringLiteral("a") + sep + "b" + sep + "c");
     QString folder = QStringLiteral("blocks");
@@ -57,8 +54,7 @@ TEST(ZelUtils, PathsTakeTheNativeSeparator)
     EXPECT_TRUE(empty.isEmpty());
 }
 
-TEST(ZelUtils, EnsureExtensionAddsOnlyWhatIsMissing)
-{
+TEST(ZelUtils, EnsureExtensionAddsOnlyWhatIsMissing) {
     QString name = QStringLiteral("HP1TERM");
     EnsureExtension(name, QStringLiteral("SHT"));
     EXPECT_EQ(name, QStringLiteral("HP1TERM.SHT"));
@@ -70,8 +66,7 @@ TEST(ZelUtils, EnsureExtensionAddsOnlyWhatIsMissing)
     EXPECT_TRUE(empty.isEmpty());
 }
 
-TEST(ZelUtils, CharacterCountsTreatSurrogatePairsAsOneCharacter)
-{
+TEST(ZelUtils, CharacterCountsTreatSurrogatePairsAsOneCharacter) {
     const QString text = QStringLiteral("A\U0001F600\u00e9B");
     EXPECT_EQ(GetCharCount(text), 4);
     EXPECT_EQ(GetByteCount(text), 1 + 4 + 2 + 1);
@@ -83,8 +78,7 @@ TEST(ZelUtils, CharacterCountsTreatSurrogatePairsAsOneCharacter)
     EXPECT_EQ(cut, QStringLiteral("Manuf"));
 }
 
-TEST(CRegistryKey, ValuesSurviveAReopenAndMissingKeysDoNotOpen)
-{
+TEST(CRegistryKey, ValuesSurviveAReopenAndMissingKeysDoNotOpen) {
     CRegistryKey writer;
     writer.SetRootToHCUK();
     ASSERT_TRUE(writer.Create(QStringLiteral("\\Settings\\MRUPLC")));

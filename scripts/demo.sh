@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and shows plcdb at work: the standalone host loads
+# the plug-in and calls its external functions as the drawing program's Lisp does.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/install-deps.sh
+bash scripts/build.sh
+
+plcdb=build/plcdb
+show() {
+    echo "\$ plcdb $*"
+    "$plcdb" "$@" || echo "(exit status $?)"
+    echo
+}
+show --help
+show call '(zel_delay 1)'
+# An integer where the style text belongs: the selection answers nil at once.
+show call "(zel_mbsel '(0 \"\" nil 5 \"V\" 1.0 nil \"\" nil))"
+show call '(no_such_function)'
