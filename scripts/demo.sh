@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and shows plcdb at work: the standalone host loads
-# the plug-in and calls its external functions as the drawing program's Lisp does.
+# Installs what is missing, builds, and shows plcdb at work on the bundled sample
+# database: its catalog, and the standalone host calling the plug-in's external
+# functions as the drawing program's Lisp does.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
@@ -12,7 +13,13 @@ show() {
     "$plcdb" "$@" || echo "(exit status $?)"
     echo
 }
+sample=build/sample/ZEL_PLC.MDB
 show --help
+show --db "$sample" list
+echo "\$ plcdb --db $sample export | head -n 40"
+"$plcdb" --db "$sample" export | head -n 40 || true
+echo "..."
+echo
 show call '(zel_delay 1)'
 # An integer where the style text belongs: the selection answers nil at once.
 show call "(zel_mbsel '(0 \"\" nil 5 \"V\" 1.0 nil \"\" nil))"

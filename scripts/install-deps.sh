@@ -6,6 +6,7 @@ packages=(
     cmake ninja-build g++ pkg-config clang-format
     qt6-base-dev libsqlite3-dev sqlite3
     libgtest-dev libgmock-dev libbenchmark-dev
+    sbcl
 )
 
 missing=()

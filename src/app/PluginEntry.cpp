@@ -1,12 +1,19 @@
 #include "CMBApplet.h"
+#include "CommandDispatcher.h"
 #include "Export.h"
 #include "HostServices.h"
+#include "Messages.h"
+#include "QtMessageSink.h"
 #include "ResourceLibrary.h"
+#include "SelectionCommand.h"
+
+#include <QApplication>
 
 #include <memory>
 
 namespace {
 std::unique_ptr<CMBApplet> g_applet;
+std::unique_ptr<QtMessageSink> g_messageBoxes;
 }
 
 // The plug-in's one entry point. Attach loads the resource library beside the plug-in
@@ -14,6 +21,8 @@ std::unique_ptr<CMBApplet> g_applet;
 extern "C" PLCDB_EXPORT HostApplet* zel_plugin_entry(int reason, HostServices* host,
                                                      QString* error) {
     if (reason != kPluginAttach) {
+        Messages::SetSink(nullptr);
+        g_messageBoxes.reset();
         g_applet.reset();
         UnloadResDll();
         SetCurrentHost(nullptr);
@@ -27,6 +36,12 @@ extern "C" PLCDB_EXPORT HostApplet* zel_plugin_entry(int reason, HostServices* h
         return nullptr;
     }
     SetCurrentHost(host);
+    // A host with a screen gets message boxes; a headless one keeps standard error.
+    if (qobject_cast<QApplication*>(QCoreApplication::instance())) {
+        g_messageBoxes = std::make_unique<QtMessageSink>();
+        Messages::SetSink(g_messageBoxes.get());
+    }
+    CommandDispatcher::SetSelectionRunner(&RunSelectionDialog);
     g_applet = std::make_unique<CMBApplet>();
     return g_applet.get();
 }

@@ -13,7 +13,7 @@ const ValueOption kValueOptions[] = {
     {"--host-config", &CliOptions::hostConfig}, {"--support-path", &CliOptions::supportPath},
     {"--kv-lib", &CliOptions::kvLib},           {"--doc-set-base", &CliOptions::docSetBase},
     {"--precision", &CliOptions::precision},    {"--file", &CliOptions::fileAnswer},
-    {"--plugin", &CliOptions::plugin},
+    {"--plugin", &CliOptions::plugin},          {"--db", &CliOptions::database},
 };
 
 const char* const kHostOptionsHelp =
@@ -26,7 +26,9 @@ const char* const kHostOptionsHelp =
     "  --doc-set-base DIR   the Lisp variable GBL_kv_DocSetBase (PLCDB_DOC_SET_BASE)\n"
     "  --precision N        decimals of numbers the host formats (PLCDB_PRECISION, 4)\n"
     "  --file PATH          the answer to the host's file questions\n"
-    "  --plugin PATH        the plug-in to load (default: zel_mb beside plcdb)\n";
+    "  --plugin PATH        the plug-in to load (default: zel_mb beside plcdb)\n"
+    "  --db FILE            the database of the data commands (default: ZEL_PLC.MDB\n"
+    "                       found on the support path)\n";
 
 }  // namespace
 
@@ -79,6 +81,12 @@ QString CliOptions::MainHelp() {
                "  call EXPR...   call an external function as the Lisp side does and print\n"
                "                 its answer, e.g. plcdb call '(zel_delay 1)'\n"
                "  call -         read one expression a line from standard input\n"
+               "  init FILE      create a new, empty database\n"
+               "  list           show the manufacturers, series, types and catalogs\n"
+               "  export [OUT]   write the whole database as one JSON document\n"
+               "  import IN      add a JSON document to the database\n"
+               "  select         pick a module in the selection dialog and print its list,\n"
+               "                 or, with --catalog, print the list without a dialog\n"
                "\n"
                "Run 'plcdb COMMAND --help' for the details of a command.\n"
                "\n") +
@@ -112,6 +120,61 @@ QString CliOptions::CommandHelp(const QString& command) {
              "\n"
              "Exit status: 0 on success, 1 when the plug-in cannot start, 2 when an\n"
              "expression cannot be read or names an unknown function.\n")},
+        {QStringLiteral("select"),
+         QStringLiteral(
+             "Usage: plcdb [--db FILE] select [--style N] [--orient H|V] [--scale X]\n"
+             "                              [--lock] [--extra] [--group-b]\n"
+             "       plcdb [--db FILE] select --manufacturer M --series S --type T\n"
+             "                              --catalog C [the same options]\n"
+             "\n"
+             "Opens the module selection dialog, as the drawing program does when a PLC\n"
+             "symbol is placed, and prints the value list the Lisp side receives: the\n"
+             "module list, terminal lists A and B, the break flag and the choices. On\n"
+             "Cancel it prints nil and ends with exit status 1.\n"
+             "\n"
+             "With --catalog no dialog opens: the catalog is looked up as the tree does\n"
+             "(names without regard to case) and the very list the dialog would give\n"
+             "for these choices is printed. This form needs no display.\n"
+             "\n"
+             "  --style N       drawing style 1 to 9 (default 1)\n"
+             "  --orient H|V    orientation (default V)\n"
+             "  --scale X       scale (default 1.0)\n"
+             "  --lock          style and orientation may not be changed in the dialog\n"
+             "  --extra         the extra flag of the choice list\n"
+             "  --group-b       the module's box group B instead of group A\n")},
+        {QStringLiteral("init"),
+         QStringLiteral("Usage: plcdb init FILE\n"
+                        "\n"
+                        "Creates a new, empty module database: no modules, the nine style rows\n"
+                        "and an empty prompt table. An existing file is left alone.\n")},
+        {QStringLiteral("list"),
+         QStringLiteral("Usage: plcdb [--db FILE] list\n"
+                        "\n"
+                        "Shows the database as an indented tree: manufacturers, their series,\n"
+                        "the types of each series and the catalog numbers of each type.\n")},
+        {QStringLiteral("export"),
+         QStringLiteral(
+             "Usage: plcdb [--db FILE] export [OUT]\n"
+             "\n"
+             "Writes the whole database as one JSON document to OUT, or to standard\n"
+             "output when OUT is missing or \"-\". The texts are those of the store:\n"
+             "  {\"format\":\"plcdb\",\"version\":1,\n"
+             "   \"index\":[{\"manufacturer\":\"M\",\"series\":\"S\",\"type\":\"T\"}],\n"
+             "   \"modules\":[{\"manufacturer\":\"M\",\"series\":\"S\",\"type\":\"T\",\n"
+             "                \"spec\":{\"Code\":\"C1\",\"BoxA1\":\"12.5 mm\"},\n"
+             "                \"terminals\":[{\"text\":\"HP?SPACE\",\"special\":\"TERM_=1\"}]}],\n"
+             "   \"styles\":[{\"number\":1,\"BoxA1\":\"1 in\"}],\n"
+             "   \"prompts\":[{\"prompt\":\"SLOT\",\"localized\":\"SLOT\"}]}\n"
+             "Empty texts are left out of \"spec\" and \"styles\".\n")},
+        {QStringLiteral("import"),
+         QStringLiteral(
+             "Usage: plcdb [--db FILE] import IN\n"
+             "\n"
+             "Adds the JSON document IN (\"-\" for standard input), in the form that\n"
+             "export writes, to the database. A missing key reads as an empty text,\n"
+             "and a module's index row is made when it is missing. A catalog number\n"
+             "that exists already in its type is an error; then nothing of the\n"
+             "document is written. Style rows are replaced.\n")},
     };
     const auto text = texts.constFind(command);
     if (text == texts.constEnd()) {

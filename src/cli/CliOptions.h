@@ -16,6 +16,7 @@ struct CliOptions {
     QString precision;    // --precision N
     QString fileAnswer;   // --file PATH
     QString plugin;       // --plugin PATH
+    QString database;     // --db FILE
 
     // False and a message in error when an option lacks its value.
     bool parse(const QStringList& args, QString* error);

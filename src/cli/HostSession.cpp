@@ -60,13 +60,21 @@ bool HostSession::configure(const CliOptions& options, StandaloneHostConfig& con
     return true;
 }
 
-bool HostSession::start(const CliOptions& options, QString* error) {
+bool HostSession::startHost(const CliOptions& options, QString* error) {
     StandaloneHostConfig config = DefaultConfig();
     if (!configure(options, config, error)) {
         return false;
     }
     m_host = std::make_unique<StandaloneHost>(config);
     m_host->openDocument();
+    SetCurrentHost(m_host.get());
+    return true;
+}
+
+bool HostSession::start(const CliOptions& options, QString* error) {
+    if (!startHost(options, error)) {
+        return false;
+    }
     const QString plugin = options.plugin.isEmpty()
                                ? QDir(QCoreApplication::applicationDirPath()).filePath("zel_mb")
                                : options.plugin;

@@ -11,7 +11,10 @@ struct CliOptions;
 // the settings file, the environment and the command line, in rising precedence.
 class HostSession {
 public:
-    // False and a reason when the settings cannot be read or the plug-in cannot start.
+    // The host alone, made current, with a document open. False and a reason when the
+    // settings cannot be read.
+    bool startHost(const CliOptions& options, QString* error);
+    // The host and the plug-in. False and a reason when the plug-in cannot start.
     bool start(const CliOptions& options, QString* error);
     StandaloneHost& host() { return *m_host; }
 

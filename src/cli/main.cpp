@@ -1,32 +1,79 @@
 #include "CallCommand.h"
 #include "CliOptions.h"
+#include "DataCommands.h"
+#include "GuiHostUi.h"
 #include "HostSession.h"
+#include "Messages.h"
+#include "QtMessageSink.h"
+#include "SelectCommand.h"
 
+#include <QApplication>
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <memory>
 
 namespace {
 
 constexpr int kStartFailed = 1;
 constexpr int kUsageError = 2;
 
-int Fail(const QString& text, int status) {
+int Fail(const QString& text, int status)
+{
     std::fprintf(stderr, "plcdb: %s\n", qPrintable(text));
     return status;
 }
 
+bool MayShowDialogs(const QString& command)
+{
+    return command == QStringLiteral("call") || command == QStringLiteral("select");
+}
+
+// A QApplication for the commands that may show dialogs. Where no display can be
+// reached Qt falls back on the offscreen platform, which counts as no display unless
+// the user asked for it.
+std::unique_ptr<QCoreApplication> MakeApplication(int& argc, char** argv, bool wantGui,
+                                                  bool& hasDisplay)
+{
+    hasDisplay = false;
+    if (!wantGui) {
+        return std::make_unique<QCoreApplication>(argc, argv);
+    }
+    const bool platformGiven = qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    if (!platformGiven) {
+        qputenv("QT_QPA_PLATFORM", qEnvironmentVariableIsSet("WAYLAND_DISPLAY")
+                                       ? "wayland;xcb;offscreen"
+                                       : "xcb;offscreen");
+    }
+    auto app = std::make_unique<QApplication>(argc, argv);
+    hasDisplay = platformGiven || QGuiApplication::platformName() != QStringLiteral("offscreen");
+    if (!hasDisplay) {
+        // Nothing may open a window that no one can see.
+        app.reset();
+        return std::make_unique<QCoreApplication>(argc, argv);
+    }
+    return app;
+}
+
 }  // namespace
 
-int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("plcdb"));
-
+int main(int argc, char** argv)
+{
+    QStringList args;
+    for (int i = 1; i < argc; ++i) {
+        args << QString::fromLocal8Bit(argv[i]);
+    }
     CliOptions options;
     QString error;
-    if (!options.parse(app.arguments().mid(1), &error)) {
+    if (!options.parse(args, &error)) {
         return Fail(error, kUsageError);
     }
+    bool hasDisplay = false;
+    const std::unique_ptr<QCoreApplication> app =
+        MakeApplication(argc, argv, MayShowDialogs(options.command) && !options.help,
+                        hasDisplay);
+    QCoreApplication::setApplicationName(QStringLiteral("plcdb"));
+
     if (options.command.isEmpty()) {
         std::fputs(qPrintable(CliOptions::MainHelp()), options.help ? stdout : stderr);
         return options.help ? 0 : kUsageError;
@@ -40,10 +87,37 @@ int main(int argc, char** argv) {
         std::fputs(qPrintable(commandHelp), stdout);
         return 0;
     }
-
-    HostSession session;
-    if (!session.start(options, &error)) {
-        return Fail(error, kStartFailed);
+    if (options.command == QStringLiteral("init")) {
+        return RunInitCommand(options);
     }
-    return RunCallCommand(session.host(), options.arguments, stdin);
+    if (options.command == QStringLiteral("list")) {
+        return RunListCommand(options);
+    }
+    if (options.command == QStringLiteral("export")) {
+        return RunExportCommand(options);
+    }
+    if (options.command == QStringLiteral("import")) {
+        return RunImportCommand(options);
+    }
+
+    QtMessageSink messageBoxes;
+    GuiHostUi screen;
+    if (hasDisplay) {
+        Messages::SetSink(&messageBoxes);
+    }
+    int status = 0;
+    if (options.command == QStringLiteral("select")) {
+        status = RunSelectCommand(options, hasDisplay);
+    } else {
+        HostSession session;
+        if (!session.start(options, &error)) {
+            return Fail(error, kStartFailed);
+        }
+        if (hasDisplay) {
+            session.host().setUi(&screen);
+        }
+        status = RunCallCommand(session.host(), options.arguments, stdin);
+    }
+    Messages::SetSink(nullptr);
+    return status;
 }

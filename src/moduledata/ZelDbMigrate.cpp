@@ -1,17 +1,74 @@
 #include "ZelDbMigrate.h"
 
-// Until the store keeps a schema version there is nothing to upgrade: no file needs
-// migration and none is changed.
+#include "SqliteDb.h"
+#include "SqliteTransaction.h"
+#include "StoreSchema.h"
+#include "ZelPlcDbIO.h"
+#include "ZelUtils.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+// The schema version of the store file at path; false when it is none or can't be read.
+bool ReadVersion(const QString& path, int& version) {
+    SqliteDb db;
+    return QFileInfo(path).isFile() && StoreSchema::OpenForReading(db, path, false) &&
+           db.userVersion(version) && version >= StoreSchema::kFirstVersion;
+}
+
+QString BackupPath(const QString& path, int version) {
+    const QString base = QStringLiteral("%1.v%2").arg(path).arg(version);
+    QString candidate = base + QStringLiteral(".bak");
+    for (int copy = 2; QFileInfo::exists(candidate); ++copy) {
+        candidate = QStringLiteral("%1.%2.bak").arg(base).arg(copy);
+    }
+    return candidate;
+}
+
+// Changes of other connections since this one last looked.
+bool DataVersion(SqliteDb& db, int& version) {
+    SqliteStatement statement = db.prepare(QStringLiteral("PRAGMA data_version"));
+    if (!statement.next()) {
+        return false;
+    }
+    version = statement.toInt(0);
+    return true;
+}
+
+// The copy can't be taken inside the write transaction, so the upgrade goes ahead only
+// when nobody wrote between the copy and the lock: the backup is what was upgraded.
+bool Upgrade(SqliteDb& db, const QString& path, int version) {
+    const QString backup = BackupPath(path, version);
+    int before = 0;
+    if (!DataVersion(db, before) || !db.backupTo(backup)) {
+        return false;
+    }
+    SqliteTransaction transaction(db);
+    int after = 0;
+    int current = 0;
+    if (!transaction.isActive() || !DataVersion(db, after) || after != before ||
+        !db.userVersion(current) || current != version) {
+        QFile::remove(backup);
+        return false;
+    }
+    return StoreSchema::Upgrade(db, version) && transaction.commit();
+}
+
+}  // namespace
+
 void CheckForMigration(const QString& path, bool& bRequired, bool bFirstCheck, QString table) {
-    Q_UNUSED(path);
     Q_UNUSED(bFirstCheck);
     Q_UNUSED(table);
-    bRequired = false;
+    int version = 0;
+    if (ReadVersion(NativePath(path), version)) {
+        bRequired = version < StoreSchema::kCurrentVersion;
+    }
 }
 
 bool Migrate(QString path, bool bShowUi, bool bSilent, MigrationHelpCallback help, QString s1,
              QString s2, QString s3, QString s4) {
-    Q_UNUSED(path);
     Q_UNUSED(bShowUi);
     Q_UNUSED(bSilent);
     Q_UNUSED(help);
@@ -19,5 +76,23 @@ bool Migrate(QString path, bool bShowUi, bool bSilent, MigrationHelpCallback hel
     Q_UNUSED(s2);
     Q_UNUSED(s3);
     Q_UNUSED(s4);
-    return false;
+    path = NativePath(path);
+    int version = 0;
+    if (!ReadVersion(path, version) || version >= StoreSchema::kCurrentVersion ||
+        !QFileInfo(path).permissions().testFlag(QFileDevice::WriteOwner)) {
+        return false;
+    }
+    if (ZelPlcDbIO* store = ZelPlcDbIO::Instance()) {
+        store->ReleaseFile(path);
+    }
+    SqliteDb db;
+    if (!db.open(path, SqliteOpenMode::ReadWrite) || db.isReadOnly()) {
+        return false;
+    }
+    db.setBusyTimeout(StoreSchema::kBusyTimeoutMs);
+    return Upgrade(db, path, version);
+}
+
+bool CreateVersion1Database(const QString& path, QString* error) {
+    return StoreSchema::CreateFile(path, StoreSchema::kFirstVersion, error);
 }

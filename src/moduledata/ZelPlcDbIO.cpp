@@ -1,8 +1,121 @@
 #include "ZelPlcDbIO.h"
 
+#include "SqliteDb.h"
+#include "StoreSchema.h"
+#include "ZelUtils.h"
+
+#include <QFileInfo>
+
 namespace {
+
 ZelPlcDbIO* g_store = nullptr;
+
+// What a connection text asks for.
+struct ConnectionTarget {
+    QString path;
+    bool writable = true;
+    bool exclusive = false;
+};
+
+// The value that starts at from, up to the next ";" or in double quotes, which may
+// hold a ";". end becomes the place of the ";" behind it, or -1.
+QString CutValue(const QString& text, qsizetype from, qsizetype& end) {
+    while (from < text.size() && text.at(from).isSpace()) {
+        ++from;
+    }
+    if (from < text.size() && text.at(from) == QLatin1Char('"')) {
+        const qsizetype close = text.indexOf(QLatin1Char('"'), from + 1);
+        const qsizetype stop = close < 0 ? text.size() : close;
+        end = text.indexOf(QLatin1Char(';'), stop);
+        return text.mid(from + 1, stop - from - 1);
+    }
+    end = text.indexOf(QLatin1Char(';'), from);
+    return text.mid(from, (end < 0 ? text.size() : end) - from).trimmed();
 }
+
+// The "key=value" pairs of a connection text, keys in lower case.
+QHash<QString, QString> ConnectionPairs(const QString& text) {
+    QHash<QString, QString> pairs;
+    qsizetype at = 0;
+    while (at < text.size()) {
+        const qsizetype equals = text.indexOf(QLatin1Char('='), at);
+        if (equals < 0) {
+            break;
+        }
+        // A word without "=" before it is skipped.
+        const qsizetype keyStart = qMax(at, text.lastIndexOf(QLatin1Char(';'), equals) + 1);
+        const QString key = text.mid(keyStart, equals - keyStart).simplified().toLower();
+        qsizetype end = -1;
+        pairs.insert(key, CutValue(text, equals + 1, end));
+        at = end < 0 ? text.size() : end + 1;
+    }
+    return pairs;
+}
+
+// Words of use "Read", "Write", "ReadWrite" and of sharing "Share Deny None",
+// "Share Deny Read", "Share Deny Write", "Share Exclusive", joined by "|". Without a
+// word of use the file is opened for reading and writing.
+void ApplyMode(const QString& mode, ConnectionTarget& target) {
+    bool read = false;
+    bool write = false;
+    for (const QString& word : mode.split(QLatin1Char('|'))) {
+        const QString token = word.simplified().toLower();
+        read = read || token == QLatin1String("read") || token == QLatin1String("readwrite");
+        write = write || token == QLatin1String("write") || token == QLatin1String("readwrite");
+        target.exclusive = target.exclusive || token == QLatin1String("share deny write") ||
+                           token == QLatin1String("share exclusive");
+    }
+    target.writable = write || !read;
+}
+
+bool ParseConnection(const QString& text, ConnectionTarget& target) {
+    const QHash<QString, QString> pairs = ConnectionPairs(text);
+    target.path = NativePath(pairs.value(QStringLiteral("data source")));
+    ApplyMode(pairs.value(QStringLiteral("mode")), target);
+    return !target.path.isEmpty();
+}
+
+bool SameFile(const QString& a, const QString& b) {
+    const QString canonical = QFileInfo(a).canonicalFilePath();
+    return !canonical.isEmpty() && canonical == QFileInfo(b).canonicalFilePath();
+}
+
+bool OpenForWriting(SqliteDb& db, const QString& path, QString& error) {
+    if (!db.open(path, SqliteOpenMode::ReadWrite)) {
+        error = db.lastError();
+        return false;
+    }
+    db.setBusyTimeout(StoreSchema::kBusyTimeoutMs);
+    if (db.isReadOnly()) {
+        error = QStringLiteral("%1 is write-protected").arg(path);
+        return false;
+    }
+    return StoreSchema::HasTables(db);
+}
+
+bool OpenStoreFile(SqliteDb& db, const ConnectionTarget& target, int& version, QString& error) {
+    const bool ours = target.writable
+                          ? OpenForWriting(db, target.path, error)
+                          : StoreSchema::OpenForReading(db, target.path, target.exclusive);
+    if (!ours || !db.userVersion(version) || version < StoreSchema::kFirstVersion) {
+        if (error.isEmpty()) {
+            error = QStringLiteral("%1 is no module database: %2").arg(target.path, db.lastError());
+        }
+        return false;
+    }
+    // Only now, so that a foreign file is never changed. A file system without shared
+    // memory keeps the rollback journal.
+    if (target.writable) {
+        db.enableWal();
+    }
+    return true;
+}
+
+}  // namespace
+
+ZelPlcDbIO::ZelPlcDbIO() = default;
+
+ZelPlcDbIO::~ZelPlcDbIO() = default;
 
 ZelPlcDbIO* ZelPlcDbIO::Instance() {
     return g_store;
@@ -10,4 +123,106 @@ ZelPlcDbIO* ZelPlcDbIO::Instance() {
 
 void ZelPlcDbIO::SetInstance(ZelPlcDbIO* store) {
     g_store = store;
+}
+
+bool ZelPlcDbIO::CreateDatabase(const QString& path, QString* error) {
+    return StoreSchema::CreateFile(path, kSchemaVersion, error);
+}
+
+bool ZelPlcDbIO::PutConnectionString(const QString& connection) {
+    if (m_db && connection == m_connection) {
+        return true;
+    }
+    ConnectionTarget target;
+    if (!ParseConnection(connection, target)) {
+        return Fail(QStringLiteral("the connection names no data source"));
+    }
+    const QFileInfo file(target.path);
+    if (!file.isFile()) {
+        return Fail(QStringLiteral("%1 doesn't exist").arg(target.path));
+    }
+    // Decided by the permission bits, since a privileged user could write anyway.
+    if (target.writable && !file.permissions().testFlag(QFileDevice::WriteOwner)) {
+        return Fail(QStringLiteral("%1 is write-protected").arg(target.path));
+    }
+    // The old connection stays unless it is to the same file, whose locks it might hold.
+    if (m_db && SameFile(m_db->path(), target.path)) {
+        CloseConnection();
+    }
+    auto db = std::make_unique<SqliteDb>();
+    int version = 0;
+    QString error;
+    if (!OpenStoreFile(*db, target, version, error)) {
+        return Fail(error);
+    }
+    CloseConnection();
+    m_db = std::move(db);
+    m_connection = connection;
+    m_schemaVersion = version;
+    return true;
+}
+
+void ZelPlcDbIO::ReleaseFile(const QString& path) {
+    if (m_db && SameFile(m_db->path(), path)) {
+        const QString connection = m_connection;
+        CloseConnection();
+        m_connection = connection;
+        m_released = true;
+    }
+}
+
+void ZelPlcDbIO::CloseConnection() {
+    m_db.reset();
+    m_connection.clear();
+    m_schemaVersion = 0;
+    m_released = false;
+    m_prompts.clear();
+    m_promptsLoaded = false;
+}
+
+SqliteDb* ZelPlcDbIO::Connection() {
+    if (!m_db && m_released) {
+        const QString connection = m_connection;
+        m_connection.clear();
+        m_released = false;
+        PutConnectionString(connection);
+    }
+    if (!m_db) {
+        Fail(QStringLiteral("no database is open"));
+    }
+    return m_db.get();
+}
+
+SqliteDb* ZelPlcDbIO::WritableConnection() {
+    SqliteDb* db = Connection();
+    if (db && db->isReadOnly()) {
+        Fail(QStringLiteral("the database is open for reading only"));
+        return nullptr;
+    }
+    return db;
+}
+
+bool ZelPlcDbIO::Fail(const QString& message) {
+    m_strLastError = message;
+    return false;
+}
+
+bool ZelPlcDbIO::FailDb() {
+    return Fail(m_db ? m_db->lastError() : QStringLiteral("no database is open"));
+}
+
+bool ZelPlcDbIO::BeginTransaction() {
+    SqliteDb* db = Connection();
+    return db && (db->beginTransaction() || FailDb());
+}
+
+bool ZelPlcDbIO::CommitTransaction() {
+    return m_db ? (m_db->commitTransaction() || FailDb())
+                : Fail(QStringLiteral("no database is open"));
+}
+
+void ZelPlcDbIO::RollbackTransaction() {
+    if (m_db) {
+        m_db->rollbackTransaction();
+    }
 }

@@ -1,15 +1,121 @@
 #pragma once
 
-// The one process-wide store object through which every module store reaches the
-// database file. It holds no connection yet: the SQLite store comes with the module data.
+#include "ModDB.h"
+
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+class SqliteDb;
+class SqliteStatement;
+
+// The one process-wide store: a module database file over SQLite. Every operation
+// answers true on success and never throws. A null QString stands for an absent
+// name (a level of the index that is not meant); an empty one is a name.
+//
+// Logical table names (of types and their "_Data" terminal tables) are chosen by the
+// store and kept as data; they never become SQL identifiers. Names and catalog codes
+// compare without regard to case.
 class ZelPlcDbIO {
 public:
-    ZelPlcDbIO() = default;
-    virtual ~ZelPlcDbIO() = default;
+    // The schema this program writes, kept in the file's user_version.
+    static constexpr int kSchemaVersion = 2;
+
+    ZelPlcDbIO();
+    virtual ~ZelPlcDbIO();
     ZelPlcDbIO(const ZelPlcDbIO&) = delete;
     ZelPlcDbIO& operator=(const ZelPlcDbIO&) = delete;
 
     // The object made at init-application; null before and after the application's life.
     static ZelPlcDbIO* Instance();
     static void SetInstance(ZelPlcDbIO* store);
+
+    // Makes a new, empty database file: the nine style rows and an empty prompt table.
+    // Fails when the file exists.
+    static bool CreateDatabase(const QString& path, QString* error = nullptr);
+
+    // Connection: "...;Data Source=PATH;Mode=MODE;..." with the modes "Share Deny None"
+    // (read and write), "Read" and "Read|Share Deny Read|Share Deny Write" (read only,
+    // exclusive). True when the file can be used in that mode. The connection is kept
+    // while the same text comes again.
+    bool PutConnectionString(const QString& connection);
+
+    // Index.
+    bool GetArrayOfAllIndexData(QList<ModDB::IndexData>& rows);
+    bool DoesIndexDataExist(const QString& manufacturer, const QString& series, const QString& type,
+                            bool& exists);
+    bool AddIndexData(const QString& manufacturer, const QString& series, const QString& type);
+    bool RemoveIndexData(const QString& manufacturer, const QString& series, const QString& type);
+    bool RenameIndexData(const QString& manufacturer, const QString& series, const QString& type,
+                         const QString& newName);
+    bool GetTypeTableName(const QString& manufacturer, const QString& series, const QString& type,
+                          QString& table);
+
+    // Specification rows of a type's table.
+    bool DoesSpecDataExist(const QString& table, const QString& code, bool& exists);
+    bool GetArrayOfModSpecCodes(const QString& table, QStringList& codes);
+    bool GetModSpecData(const QString& table, const QString& code, ModDB::ModSpecData& record,
+                        bool bFallback);
+    bool AddModSpecData(const QString& table, const ModDB::ModSpecData& record, bool bFallback);
+    bool UpdateModSpecData(const QString& table, const QString& code,
+                           const ModDB::ModSpecData& record, bool bFallback);
+    bool RemoveModSpecData(const QString& table, const QString& code);
+    bool RenameModSpecData(const QString& table, const QString& oldCode, const QString& newCode);
+
+    // Terminal rows; table is the type's table name with "_Data" behind it.
+    bool GetModTermData(const QString& table, const QString& code, QList<ModDB::ModTermData>& rows);
+    bool DoesTermDataExist(const QString& table, const QString& code, int row, bool& exists);
+    bool AddModTermData(const QString& table, const QList<ModDB::ModTermData>& rows);
+    bool RemoveModTermData(const QString& table, const QString& code, int firstRow, int lastRow);
+    bool RenameModTermData(const QString& table, const QString& oldCode, const QString& newCode);
+
+    // Style boxes 1 to 9 and the prompt table.
+    bool GetStyleBoxData(int number, ModDB::StyleBoxData& record);
+    bool UpdateStyleBoxData(int number, const ModDB::StyleBoxData& record);
+    bool CreateHashtableofPrompts();
+    // Virtual so that tests can stand in a prompt table of their own.
+    virtual QString ReturnLocalizedPrompt(const QString& prompt);
+    bool GetPromptRows(QList<ModDB::PromptData>& rows);
+    bool AddPromptRow(const ModDB::PromptData& row);
+
+    // One transaction around several operations; nested calls join the outer one.
+    bool BeginTransaction();
+    bool CommitTransaction();
+    void RollbackTransaction();
+
+    // Lets another writer change the file at path (a schema upgrade): closes the
+    // connection when it is to that file. The next operation opens it again with the
+    // same connection text and so sees what the writer did.
+    void ReleaseFile(const QString& path);
+
+    // The text of the last failure.
+    QString m_strLastError;
+
+private:
+    struct IndexLevel;
+
+    // The open connection, opened again after ReleaseFile; null with an error text when
+    // there is none. The writable one is also null on a read-only connection.
+    SqliteDb* Connection();
+    SqliteDb* WritableConnection();
+    void CloseConnection();
+    bool Fail(const QString& message);
+    bool FailDb();
+    QString SpecSelectList() const;
+    bool WriteSpec(const QString& sql, const QString& table, const QString& code,
+                   const ModDB::ModSpecData& record, bool& changed);
+    static void BindLevel(SqliteStatement& statement, const IndexLevel& level);
+    bool FindIndexRows(const IndexLevel& level, bool& exists);
+    bool IndexNameTaken(const IndexLevel& level, const QString& newName, bool& taken);
+    bool InsertIndexRow(SqliteDb& db, const IndexLevel& level);
+
+    std::unique_ptr<SqliteDb> m_db;
+    QString m_connection;
+    int m_schemaVersion = 0;
+    bool m_released = false;
+    QHash<QString, QString> m_prompts;
+    bool m_promptsLoaded = false;
 };

@@ -257,11 +257,19 @@ int StandaloneHost::findFile(const QString& name, QString& found) {
 }
 
 int StandaloneHost::getFileD(const QString& title, const QString& defaultPath, const QString& ext,
-                             int flags, HostValue& result) {
-    Q_UNUSED(title);
-    Q_UNUSED(ext);
+                             int flags, HostValue& result)
+{
     Q_UNUSED(flags);
-    const QString answer = m_config.fileAnswer.isEmpty() ? defaultPath : m_config.fileAnswer;
+    // A given answer first, then the user on a screen, else the default as it stands.
+    QString answer = m_config.fileAnswer;
+    if (answer.isEmpty() && m_ui) {
+        if (!m_ui->chooseFile(title, defaultPath, ext, answer)) {
+            return kHostCancel;
+        }
+    }
+    if (answer.isEmpty()) {
+        answer = defaultPath;
+    }
     if (answer.isEmpty()) {
         return kHostCancel;
     }
@@ -283,6 +291,10 @@ int StandaloneHost::getFileNavDialog(const QString& title, const QString& defaul
 void StandaloneHost::help(const QString& file, const QString& topic, int command) {
     Q_UNUSED(file);
     Q_UNUSED(command);
+    if (m_ui) {
+        m_ui->showHelp(topic);
+        return;
+    }
     report(QStringLiteral("Help topic: %1").arg(topic));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "HostServices.h"
+#include "HostUi.h"
 #include "StandaloneHostConfig.h"
 
 #include <QMap>
@@ -32,6 +33,8 @@ public:
     const StandaloneHostConfig& config() const { return m_config; }
     // Where the host writes the Lisp side's reports and its own notes (standard error).
     void setReporter(Reporter reporter) { m_reporter = std::move(reporter); }
+    // The screen side of the host; null (the default) answers headless.
+    void setUi(HostUi* ui) { m_ui = ui; }
     void defineLispFunction(const QString& name, LispFunction function);
     bool isDeclared(const QString& name) const;
     void openDocument() { m_hasDocument = true; }
@@ -58,7 +61,7 @@ public:
                          int flags, QString& chosen) override;
     void help(const QString& file, const QString& topic, int command) override;
     QString realToString(double value, int mode, int precision) override;
-    HostScale hiDpi() const override { return HostScale(); }
+    HostScale hiDpi() const override { return m_ui ? m_ui->scale() : HostScale(); }
     int sendCommand(const QString& text, bool activate, bool wrapUpInactive, bool echo) override;
 
 private:
@@ -69,6 +72,7 @@ private:
 
     StandaloneHostConfig m_config;
     Reporter m_reporter;
+    HostUi* m_ui = nullptr;
     QMap<QString, int> m_codes;      // by lower-case external name
     QMap<QString, QString> m_names;  // lower-case name -> name as registered
     QMap<int, HostFunction> m_functions;

@@ -1,0 +1,257 @@
+// Speed of the module store against raw SQLite doing the same rows, in one run.
+// The ratios printed at the end are the figures that matter; absolute times vary.
+
+#include "CKVModuleDB.h"
+#include "ZelPlcDbIO.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+#include <sqlite3.h>
+
+#include <cstdio>
+#include <map>
+#include <string>
+
+namespace {
+
+constexpr int kRows = 10000;
+constexpr int kIndexRows = 100000;
+constexpr int kCatalogs = 10000;
+
+QTemporaryDir& Folder()
+{
+    static QTemporaryDir folder;
+    return folder;
+}
+
+QString FreshDatabase(const QString& name)
+{
+    const QString path = Folder().filePath(name);
+    QFile::remove(path);
+    ZelPlcDbIO::CreateDatabase(path);
+    return path;
+}
+
+ZelPlcDbIO& Store()
+{
+    static ZelPlcDbIO store;
+    ZelPlcDbIO::SetInstance(&store);
+    return store;
+}
+
+// A module of kRows terminal rows in a type of its own.
+struct BigModule {
+    CKVModuleDB db;
+    int handle = -1;
+    QString table;
+
+    BigModule()
+    {
+        Store();
+        db.Open(FreshDatabase(QStringLiteral("big.db")));
+        handle = db.NewModule("Bench", "Series", "Type", "BIG-1");
+        db.GetTypeTableName("Bench", "Series", "Type", table);
+        CKVModule& module = db.GetModule(handle);
+        for (int row = 1; row <= kRows; ++row) {
+            module.SetTermRow(row, QStringLiteral("HP?TERM;TERM_=%1;\\SPECIAL=ADDR_IN;DESC=Channel %1")
+                                       .arg(row));
+        }
+    }
+};
+
+void BM_ModuleStoreSaveLoad(benchmark::State& state)
+{
+    BigModule big;
+    for (auto _ : state) {
+        big.db.SaveModule(big.handle);
+        const int loaded = big.db.LoadModule(big.table, QStringLiteral("BIG-1"), false);
+        benchmark::DoNotOptimize(big.db.GetModule(loaded).GetTermCount());
+        big.db.ReleaseModule(loaded);
+    }
+}
+BENCHMARK(BM_ModuleStoreSaveLoad)->Unit(benchmark::kMillisecond);
+
+// The same rows through raw prepared statements: replace all rows of a code in one
+// transaction, then read them back in order.
+void BM_RawSqliteSaveLoad(benchmark::State& state)
+{
+    sqlite3* db = nullptr;
+    const QByteArray path = QFile::encodeName(Folder().filePath(QStringLiteral("raw.db")));
+    QFile::remove(QString::fromLocal8Bit(path));
+    sqlite3_open_v2(path.constData(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    sqlite3_exec(db, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
+    sqlite3_exec(db,
+                 "CREATE TABLE rows(tbl TEXT, code TEXT, number INTEGER, text TEXT, special TEXT,"
+                 " PRIMARY KEY(tbl, code, number))",
+                 nullptr, nullptr, nullptr);
+    sqlite3_stmt* remove = nullptr;
+    sqlite3_stmt* insert = nullptr;
+    sqlite3_stmt* select = nullptr;
+    sqlite3_prepare_v2(db, "DELETE FROM rows WHERE tbl=?1 AND code=?2", -1, &remove, nullptr);
+    sqlite3_prepare_v2(db, "INSERT INTO rows VALUES(?1,?2,?3,?4,?5)", -1, &insert, nullptr);
+    sqlite3_prepare_v2(db,
+                       "SELECT number, text, special FROM rows WHERE tbl=?1 AND code=?2 "
+                       "ORDER BY number",
+                       -1, &select, nullptr);
+    QList<QByteArray> specials;
+    for (int row = 1; row <= kRows; ++row) {
+        specials.append(
+            QStringLiteral("TERM_=%1;\\SPECIAL=ADDR_IN;DESC=Channel %1").arg(row).toUtf8());
+    }
+    for (auto _ : state) {
+        sqlite3_exec(db, "BEGIN", nullptr, nullptr, nullptr);
+        sqlite3_bind_text(remove, 1, "T1_Data", -1, SQLITE_STATIC);
+        sqlite3_bind_text(remove, 2, "BIG-1", -1, SQLITE_STATIC);
+        sqlite3_step(remove);
+        sqlite3_reset(remove);
+        for (int row = 1; row <= kRows; ++row) {
+            sqlite3_bind_text(insert, 1, "T1_Data", -1, SQLITE_STATIC);
+            sqlite3_bind_text(insert, 2, "BIG-1", -1, SQLITE_STATIC);
+            sqlite3_bind_int(insert, 3, row);
+            sqlite3_bind_text(insert, 4, "HP?TERM", -1, SQLITE_STATIC);
+            sqlite3_bind_text(insert, 5, specials[row - 1].constData(), -1, SQLITE_STATIC);
+            sqlite3_step(insert);
+            sqlite3_reset(insert);
+        }
+        sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr);
+        sqlite3_bind_text(select, 1, "T1_Data", -1, SQLITE_STATIC);
+        sqlite3_bind_text(select, 2, "BIG-1", -1, SQLITE_STATIC);
+        QList<QPair<QString, QString>> rows;
+        while (sqlite3_step(select) == SQLITE_ROW) {
+            rows.append({QString::fromUtf8(
+                             reinterpret_cast<const char*>(sqlite3_column_text(select, 1))),
+                         QString::fromUtf8(
+                             reinterpret_cast<const char*>(sqlite3_column_text(select, 2)))});
+        }
+        sqlite3_reset(select);
+        benchmark::DoNotOptimize(rows.size());
+    }
+    sqlite3_finalize(remove);
+    sqlite3_finalize(insert);
+    sqlite3_finalize(select);
+    sqlite3_close(db);
+}
+BENCHMARK(BM_RawSqliteSaveLoad)->Unit(benchmark::kMillisecond);
+
+// What every dialog does: open its own store object on the same file and close it.
+void BM_ModuleStoreOpenClose(benchmark::State& state)
+{
+    Store();
+    const QString path = FreshDatabase(QStringLiteral("open.db"));
+    for (auto _ : state) {
+        CKVModuleDB db;
+        benchmark::DoNotOptimize(db.Open(path));
+        db.Close();
+    }
+}
+BENCHMARK(BM_ModuleStoreOpenClose)->Unit(benchmark::kMicrosecond);
+
+void BM_FreshSqliteOpen(benchmark::State& state)
+{
+    const QByteArray path = QFile::encodeName(FreshDatabase(QStringLiteral("fresh.db")));
+    for (auto _ : state) {
+        sqlite3* db = nullptr;
+        sqlite3_open_v2(path.constData(), &db, SQLITE_OPEN_READWRITE, nullptr);
+        sqlite3_exec(db, "PRAGMA user_version", nullptr, nullptr, nullptr);
+        sqlite3_close(db);
+    }
+}
+BENCHMARK(BM_FreshSqliteOpen)->Unit(benchmark::kMicrosecond);
+
+void BM_GetHierarchy100k(benchmark::State& state)
+{
+    Store();
+    CKVModuleDB db;
+    db.Open(FreshDatabase(QStringLiteral("index.db")));
+    db.BeginTransaction();
+    int rows = 0;
+    for (int m = 0; rows < kIndexRows; ++m) {
+        const QString manufacturer = QStringLiteral("Maker %1").arg(m, 4, 10, QLatin1Char('0'));
+        db.AddIndex(manufacturer, QString(), QString());
+        ++rows;
+        for (int s = 0; s < 10 && rows < kIndexRows; ++s) {
+            const QString series = QStringLiteral("Series %1").arg(s);
+            db.AddIndex(manufacturer, series, QString());
+            ++rows;
+            for (int t = 0; t < 99 && rows < kIndexRows; ++t, ++rows) {
+                db.AddIndex(manufacturer, series, QStringLiteral("Type %1").arg(t));
+            }
+        }
+    }
+    db.CommitTransaction();
+    for (auto _ : state) {
+        QList<_manfams> hierarchy;
+        db.GetHierarchy(hierarchy);
+        benchmark::DoNotOptimize(hierarchy.size());
+    }
+    state.counters["rows"] = rows;
+}
+BENCHMARK(BM_GetHierarchy100k)->Unit(benchmark::kMillisecond);
+
+void BM_GetCatalogs10k(benchmark::State& state)
+{
+    Store();
+    CKVModuleDB db;
+    db.Open(FreshDatabase(QStringLiteral("catalogs.db")));
+    db.AddIndex("Bench", "Series", "Type");
+    QString table;
+    db.GetTypeTableName("Bench", "Series", "Type", table);
+    db.BeginTransaction();
+    for (int i = 0; i < kCatalogs; ++i) {
+        ModDB::ModSpecData spec;
+        spec.Code = QStringLiteral("CAT-%1").arg(i, 5, 10, QLatin1Char('0'));
+        db.WriteRawModule(table, spec, {});
+    }
+    db.CommitTransaction();
+    for (auto _ : state) {
+        QList<_idandcatalognum> catalogs;
+        db.GetCatalogs(table, catalogs);
+        benchmark::DoNotOptimize(catalogs.size());
+    }
+}
+BENCHMARK(BM_GetCatalogs10k)->Unit(benchmark::kMillisecond);
+
+// Keeps the time of each benchmark so that the ratios can be printed after the run.
+class RatioReporter : public benchmark::ConsoleReporter {
+public:
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        for (const Run& run : runs) {
+            if (run.run_type == Run::RT_Iteration) {
+                m_times[run.benchmark_name()] = run.GetAdjustedRealTime();
+            }
+        }
+        ConsoleReporter::ReportRuns(runs);
+    }
+    void printRatio(const char* what, const std::string& ours, const std::string& base,
+                    const char* goal) const
+    {
+        const auto a = m_times.find(ours);
+        const auto b = m_times.find(base);
+        if (a != m_times.end() && b != m_times.end() && b->second > 0) {
+            std::printf("%s: %.3f (goal: %s)\n", what, a->second / b->second, goal);
+        }
+    }
+
+private:
+    std::map<std::string, double> m_times;
+};
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    reporter.printRatio("save and load of 10,000 rows, store / raw SQLite",
+                        "BM_ModuleStoreSaveLoad", "BM_RawSqliteSaveLoad", "at most 1.5");
+    reporter.printRatio("repeated open, store / fresh SQLite open", "BM_ModuleStoreOpenClose",
+                        "BM_FreshSqliteOpen", "far below 1");
+    benchmark::Shutdown();
+    return 0;
+}

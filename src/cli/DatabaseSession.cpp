@@ -1,0 +1,41 @@
+#include "DatabaseSession.h"
+
+#include "CliOptions.h"
+#include "HostBridge.h"
+
+#include <QFile>
+
+DatabaseSession::DatabaseSession() { ZelPlcDbIO::SetInstance(&m_store); }
+
+DatabaseSession::~DatabaseSession()
+{
+    m_db.Close();
+    ZelPlcDbIO::SetInstance(nullptr);
+}
+
+bool DatabaseSession::open(const CliOptions& options, QString* error)
+{
+    QString path = options.database;
+    if (path.isEmpty()) {
+        if (!m_host.startHost(options, error)) {
+            return false;
+        }
+        DeclareLispFunction(QStringLiteral("kv_fio_does_file_exist"));
+        DeclareLispFunction(QStringLiteral("kv_fio_does_file_exist_error"));
+        if (!FindDatabaseFile(path)) {
+            *error = QStringLiteral("no database: give one with --db FILE");
+            return false;
+        }
+    }
+    if (!QFile::exists(path)) {
+        *error = QStringLiteral("the database %1 does not exist").arg(path);
+        return false;
+    }
+    if (!m_db.Open(path)) {
+        *error = QStringLiteral("cannot open the database %1 (code %2)")
+                     .arg(path)
+                     .arg(m_db.GetLastError());
+        return false;
+    }
+    return true;
+}

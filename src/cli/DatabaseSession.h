@@ -1,0 +1,27 @@
+#pragma once
+
+#include "CKVModuleDB.h"
+#include "HostSession.h"
+#include "ZelPlcDbIO.h"
+
+struct CliOptions;
+
+// The store of this process and a database opened on it: the file of --db, else
+// "ZEL_PLC.MDB" as the host finds it on its search path.
+class DatabaseSession {
+public:
+    DatabaseSession();
+    ~DatabaseSession();
+    DatabaseSession(const DatabaseSession&) = delete;
+    DatabaseSession& operator=(const DatabaseSession&) = delete;
+
+    // False and a reason when there is no database or it cannot be opened.
+    bool open(const CliOptions& options, QString* error);
+    CKVModuleDB& db() { return m_db; }
+    bool readOnly() const { return m_db.GetLastError() == CKVModuleDB::kErrReadOnly; }
+
+private:
+    ZelPlcDbIO m_store;
+    HostSession m_host;
+    CKVModuleDB m_db;
+};

@@ -1,0 +1,444 @@
+#include "CMSelDlg.h"
+
+#include "CModuleTree.h"
+#include "CrtNumbers.h"
+#include "DialogControls.h"
+#include "HostBridge.h"
+#include "HostServices.h"
+#include "Messages.h"
+#include "ResourceLibrary.h"
+#include "SelectionList.h"
+#include "ZelStdioFileEx.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTimer>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+namespace {
+
+constexpr int kStyleCount = 9;
+constexpr int kPreviewWidth = 162;
+constexpr int kPreviewHeight = 115;
+constexpr int kNoPreviewBitmap = 201;
+const char* const kPromptCountFile = "Prompt_Strings_and_Count_A.txt";
+const char* const kPromptFileFile = "Prompt_Strings_File_Name.txt";
+
+// Appends lines to a report file in the current folder.
+void AppendLines(const QString& file, const QStringList& lines)
+{
+    ZelStdioFileEx out;
+    if (!out.Open(file, ZelStdioFileEx::modeWrite | ZelStdioFileEx::modeCreate |
+                            ZelStdioFileEx::modeNoTruncate | ZelStdioFileEx::typeText)) {
+        return;
+    }
+    out.SeekToEnd();
+    for (const QString& line : lines) {
+        out.WriteString(line);
+    }
+    out.Close();
+}
+
+}  // namespace
+
+CMSelDlg::CMSelDlg(QWidget* parent) : QDialog(parent) { BuildControls(); }
+
+CMSelDlg::~CMSelDlg() = default;
+
+void CMSelDlg::BuildControls()
+{
+    setWindowTitle(LoadResString(5000));
+    m_tree = new CModuleTree(this);
+    m_lstCatalogs = new QTreeWidget(this);
+    m_stcPreview = new QLabel(this);
+    m_stcStyleLabel = new QLabel(tr("Style"), this);
+    m_styles = new QButtonGroup(this);
+    m_btnVertical = new QRadioButton(QStringLiteral("V"), this);
+    m_btnHorizontal = new QRadioButton(QStringLiteral("H"), this);
+    m_cboScale = new QComboBox(this);
+    m_chkExtra = new QCheckBox(tr("Extra"), this);
+    m_btnExtract = new QPushButton(tr("PLC Data..."), this);
+    m_stcDbPath = new QLabel(this);
+    m_stcTable = new QLabel(this);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |
+                                             QDialogButtonBox::Help,
+                                         this);
+    m_btnOK = buttons->button(QDialogButtonBox::Ok);
+    auto* report = new QPushButton(tr("Prompt Report"), this);
+
+    SetControlId(m_tree, kIdTree);
+    SetControlId(m_lstCatalogs, kIdList);
+    SetControlId(m_stcPreview, kIdPreview);
+    SetControlId(m_stcStyleLabel, kIdStyleLabel);
+    SetControlId(m_btnVertical, kIdVertical);
+    SetControlId(m_btnHorizontal, kIdHorizontal);
+    SetControlId(m_cboScale, kIdScale);
+    SetControlId(m_chkExtra, kIdExtra);
+    SetControlId(m_btnExtract, kIdExtract);
+    SetControlId(m_stcDbPath, kIdDbPath);
+    SetControlId(m_stcTable, kIdTable);
+    SetControlId(m_btnOK, kIdOk);
+    SetControlId(buttons->button(QDialogButtonBox::Help), kIdHelp);
+    SetControlId(report, kIdPromptReport);
+
+    auto* styleBox = new QGroupBox(this);
+    auto* styleGrid = new QGridLayout(styleBox);
+    for (int style = 1; style <= kStyleCount; ++style) {
+        auto* radio = new QRadioButton(QString::number(style), styleBox);
+        SetControlId(radio, kIdStyleFirst + style - 1);
+        m_styles->addButton(radio, style - 1);
+        styleGrid->addWidget(radio, (style - 1) / 3, (style - 1) % 3);
+    }
+    auto* orientBox = new QGroupBox(this);
+    auto* orientLayout = new QHBoxLayout(orientBox);
+    orientLayout->addWidget(m_btnVertical);
+    orientLayout->addWidget(m_btnHorizontal);
+
+    m_cboScale->setEditable(true);
+    m_cboScale->addItems({QStringLiteral("0.5"), QStringLiteral("0.75"), QStringLiteral("1.0"),
+                          QStringLiteral("1.5"), QStringLiteral("2.0")});
+    m_stcPreview->setFixedSize(ScaledX(kPreviewWidth), ScaledY(kPreviewHeight));
+    m_stcPreview->setFrameShape(QFrame::StyledPanel);
+    m_lstCatalogs->setRootIsDecorated(false);
+    m_lstCatalogs->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_lstCatalogs->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_tree->setMinimumWidth(ScaledX(220));
+
+    auto* right = new QVBoxLayout;
+    right->addWidget(m_lstCatalogs, 1);
+    auto* choices = new QHBoxLayout;
+    auto* styleColumn = new QVBoxLayout;
+    styleColumn->addWidget(m_stcStyleLabel);
+    styleColumn->addWidget(styleBox);
+    styleColumn->addWidget(orientBox);
+    choices->addLayout(styleColumn);
+    choices->addWidget(m_stcPreview);
+    auto* options = new QVBoxLayout;
+    options->addWidget(new QLabel(tr("Scale"), this));
+    options->addWidget(m_cboScale);
+    options->addWidget(m_chkExtra);
+    options->addWidget(m_btnExtract);
+    options->addWidget(report);
+    options->addStretch();
+    choices->addLayout(options);
+    right->addLayout(choices);
+    right->addWidget(m_stcDbPath);
+    right->addWidget(m_stcTable);
+    auto* top = new QHBoxLayout;
+    top->addWidget(m_tree);
+    top->addLayout(right, 1);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(top, 1);
+    layout->addWidget(buttons);
+
+    connect(buttons, &QDialogButtonBox::accepted, this, &CMSelDlg::OnOK);
+    connect(buttons, &QDialogButtonBox::rejected, this, &CMSelDlg::reject);
+    connect(buttons, &QDialogButtonBox::helpRequested, this,
+            [] { HostHelp(QString(), QStringLiteral("plc_selection"), 0); });
+    connect(m_tree, &CModuleTree::moduleSelectionChanged, this, &CMSelDlg::OnTreeSelectionChanged);
+    connect(m_tree, &QTreeWidget::itemDoubleClicked, this,
+            [this](QTreeWidgetItem* item) { OnTreeDoubleClick(item); });
+    connect(m_lstCatalogs, &QTreeWidget::itemSelectionChanged, this, &CMSelDlg::UpdateOK);
+    connect(m_lstCatalogs, &QTreeWidget::itemDoubleClicked, this, &CMSelDlg::OnListDoubleClick);
+    connect(m_cboScale, &QComboBox::editTextChanged, this, &CMSelDlg::UpdateOK);
+    connect(m_styles, &QButtonGroup::idClicked, this, [this](int index) {
+        ShowPreview(index + 1, m_btnHorizontal->isChecked() ? 1 : 2);
+    });
+    connect(m_btnVertical, &QRadioButton::clicked, this, [this] { ShowPreview(CheckedStyle(), 2); });
+    connect(m_btnHorizontal, &QRadioButton::clicked, this,
+            [this] { ShowPreview(CheckedStyle(), 1); });
+    connect(m_btnExtract, &QPushButton::clicked, this, [this] {
+        HostValue call;
+        call.string(QStringLiteral("kv_plca_plc_xtr")).shortInt(1);
+        HostInvoke(call, nullptr);
+        m_btnExtract->setFocus();
+    });
+    connect(report, &QPushButton::clicked, this, &CMSelDlg::OnPromptReport);
+}
+
+void CMSelDlg::SetDbPath(const QString& path)
+{
+    if (!path.isNull()) {
+        m_strDbPath = path;
+    }
+}
+
+void CMSelDlg::SetExtraFlag(bool bExtra) { m_nExtraFlag = bExtra; }
+void CMSelDlg::SetOrientation(int orientation) { m_nOrientation = orientation; }
+
+void CMSelDlg::SetScale(double scale) { m_strScale = HostRealToString(scale, 2, -1); }
+
+void CMSelDlg::SetStyle(int style)
+{
+    if (style >= 1 && style <= kStyleCount) {
+        m_nStyleIndex = style - 1;
+    }
+}
+
+void CMSelDlg::SetLockStyle(bool bLock) { m_bLockStyle = bLock; }
+void CMSelDlg::SetBoxGroupB(bool bGroupB) { m_bBoxGroupB = bGroupB; }
+
+void CMSelDlg::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    if (!m_bInited && !OnInitDialog()) {
+        // Cancelled from inside the start-up: leave once the dialog's loop runs.
+        QTimer::singleShot(0, this, &CMSelDlg::reject);
+    }
+}
+
+bool CMSelDlg::OnInitDialog()
+{
+    m_bInited = true;
+    if (QAbstractButton* style = m_styles->button(m_nStyleIndex)) {
+        style->setChecked(true);
+    }
+    m_cboScale->setEditText(m_strScale);
+    m_chkExtra->setChecked(m_nExtraFlag);
+
+    QString defaultPath;
+    FindDatabaseFile(defaultPath);
+    m_tree->SetDatabasePath(m_strDbPath);
+    const int filled = m_tree->FillTree();
+    if (filled == CModuleTree::kCannotOpen) {
+        Messages::Show(5003, {defaultPath}, MsgButtons::Ok, MsgIcon::Error, 5000);
+    }
+    if (filled != CModuleTree::kFilled) {
+        return false;
+    }
+    m_stcDbPath->setText(m_strDbPath.isEmpty() ? defaultPath : m_strDbPath);
+
+    const int widths[5] = {100, 50, 50, 100, 100};
+    m_lstCatalogs->setColumnCount(5);
+    QStringList headers;
+    for (int column = 0; column < 5; ++column) {
+        headers << LoadResString(4000 + column);
+    }
+    m_lstCatalogs->setHeaderLabels(headers);
+    for (int column = 0; column < 5; ++column) {
+        m_lstCatalogs->setColumnWidth(column, ScaledX(widths[column]));
+    }
+    for (int column : {1, 2, 4}) {
+        m_lstCatalogs->resizeColumnToContents(column);
+    }
+    m_tree->RestoreMru();
+    (m_nOrientation == 2 ? m_btnVertical : m_btnHorizontal)->setChecked(true);
+    ShowPreview(CheckedStyle(), m_nOrientation);
+    ApplyLock();
+    UpdateOK();
+    return true;
+}
+
+void CMSelDlg::ApplyLock()
+{
+    if (!m_bLockStyle) {
+        return;
+    }
+    m_stcStyleLabel->setEnabled(false);
+    m_stcPreview->setEnabled(false);
+    for (QAbstractButton* button : m_styles->buttons()) {
+        button->setEnabled(false);
+    }
+    m_btnVertical->setEnabled(false);
+    m_btnHorizontal->setEnabled(false);
+}
+
+int CMSelDlg::CheckedStyle() const
+{
+    const int index = m_styles->checkedId();
+    return index >= 0 ? index + 1 : 1;
+}
+
+void CMSelDlg::ShowPreview(int style, int orientation)
+{
+    if (style < 1 || style > kStyleCount) {
+        return;
+    }
+    const QString suffix = orientation == 1 ? QStringLiteral("h")
+                           : orientation == 2 ? QStringLiteral("v")
+                                              : QString();
+    QString file = QStringLiteral("style%1%2.bmp").arg(style).arg(suffix);
+    QString found;
+    if (HostFindFile(file, found) == kHostOk) {
+        file = found;
+    }
+    m_preview = CDib();
+    if (!m_preview.LoadFile(file, QSize(ScaledX(kPreviewWidth), ScaledY(kPreviewHeight)))) {
+        m_preview.Load(kNoPreviewBitmap);
+    }
+    m_stcPreview->setPixmap(m_preview.pixmap());
+}
+
+bool CMSelDlg::UpdateOK()
+{
+    const bool enable = m_lstCatalogs->topLevelItemCount() > 0 &&
+                        !m_cboScale->currentText().isEmpty() &&
+                        !m_lstCatalogs->selectedItems().isEmpty();
+    m_btnOK->setEnabled(enable);
+    return enable;
+}
+
+void CMSelDlg::AddModuleRow(const CKVModule& module)
+{
+    auto* row = new QTreeWidgetItem(QStringList{module.GetCatalog(), module.GetColText1(),
+                                                module.GetColText2(), module.GetColText3(),
+                                                module.GetDescription()});
+    m_lstCatalogs->addTopLevelItem(row);
+}
+
+void CMSelDlg::OnTreeSelectionChanged(QTreeWidgetItem* item)
+{
+    m_lstCatalogs->clear();
+    const quint32 data = CModuleTree::ItemData(item);
+    if (!item || data == 0) {
+        m_stcTable->clear();
+        UpdateOK();
+        return;
+    }
+    if (data == CModuleTree::kTypeData) {
+        for (int i = 0; i < item->childCount(); ++i) {
+            CKVModule module;
+            if (m_tree->GetModuleOfItem(module, item->child(i), true)) {
+                AddModuleRow(module);
+            }
+        }
+    } else {
+        CKVModule module;
+        if (m_tree->GetSelectedModule(module)) {
+            AddModuleRow(module);
+            m_lstCatalogs->topLevelItem(0)->setSelected(true);
+        }
+    }
+    QString table;
+    if (m_tree->GetTableOfItem(table)) {
+        m_stcTable->setText(Messages::Format(4020, {table}));
+    }
+    UpdateOK();
+}
+
+void CMSelDlg::PostOk()
+{
+    QMetaObject::invokeMethod(this, &CMSelDlg::OnOK, Qt::QueuedConnection);
+}
+
+void CMSelDlg::OnListDoubleClick()
+{
+    if (UpdateOK()) {
+        PostOk();
+    }
+}
+
+void CMSelDlg::OnTreeDoubleClick(QTreeWidgetItem* item)
+{
+    // Double clicks on a manufacturer, series or type never confirm.
+    if (CModuleTree::IsCatalogData(CModuleTree::ItemData(item)) && UpdateOK()) {
+        PostOk();
+    }
+}
+
+void CMSelDlg::OnOK()
+{
+    m_nStyleIndex = CheckedStyle() - 1;
+    m_strScale = m_cboScale->currentText();
+    m_nExtraFlag = m_chkExtra->isChecked();
+    QTreeWidgetItem* item = m_tree->currentItem();
+    if (!item) {
+        return;
+    }
+    const quint32 data = CModuleTree::ItemData(item);
+    if (data == 0 || data == CModuleTree::kRootData || data == CModuleTree::kManufacturerData ||
+        data == CModuleTree::kSeriesData) {
+        return;
+    }
+    if (data == CModuleTree::kTypeData) {
+        const QList<QTreeWidgetItem*> rows = m_lstCatalogs->selectedItems();
+        if (rows.isEmpty()) {
+            Messages::Show(4005);
+            return;
+        }
+        const QString catalog = rows.first()->text(0);
+        QTreeWidgetItem* match = nullptr;
+        for (int i = 0; i < item->childCount() && !match; ++i) {
+            if (item->child(i)->text(0).compare(catalog, Qt::CaseInsensitive) == 0) {
+                match = item->child(i);
+            }
+        }
+        if (!match) {
+            return;
+        }
+        m_tree->setCurrentItem(match);
+    }
+    m_pResult.clear();
+    m_bHasResult = m_tree->BuildSelectionList(m_nStyleIndex + 1, m_bBoxGroupB, m_pResult);
+    if (m_bHasResult) {
+        AppendChoiceList(m_pResult, m_nStyleIndex + 1, m_btnHorizontal->isChecked(),
+                         crt::wtof(m_strScale), m_nExtraFlag);
+    }
+    m_tree->SaveMru();
+    accept();
+}
+
+void CMSelDlg::OnPromptReport()
+{
+    QTreeWidgetItem* root = m_tree->topLevelItemCount() ? m_tree->topLevelItem(0) : nullptr;
+    if (!root || root->childCount() == 0) {
+        return;
+    }
+    QStringList prompts, files, filePrompts;
+    QList<int> counts;
+    for (int m = 0; m < root->childCount(); ++m) {
+        QTreeWidgetItem* manufacturer = root->child(m);
+        Messages::ShowText(QStringLiteral("Processing Prompt Strings for: ") +
+                           manufacturer->text(0));
+        for (int s = 0; s < manufacturer->childCount(); ++s) {
+            QTreeWidgetItem* series = manufacturer->child(s);
+            for (int t = 0; t < series->childCount(); ++t) {
+                QTreeWidgetItem* type = series->child(t);
+                m_tree->ExpandType(type);
+                for (int c = 0; c < type->childCount(); ++c) {
+                    CKVModule module;
+                    if (m_tree->GetModuleOfItem(module, type->child(c), false)) {
+                        m_tree->Database().CollectPrompts(module, prompts, counts, files,
+                                                          filePrompts, module.GetTableName());
+                    }
+                }
+            }
+        }
+    }
+    QStringList countLines, fileLines;
+    for (int i = 0; i < prompts.size(); ++i) {
+        countLines << QStringLiteral("%1\t%2\n").arg(prompts[i]).arg(counts.value(i));
+    }
+    for (int i = 0; i < files.size(); ++i) {
+        fileLines << QStringLiteral("%1\t%2\n").arg(files[i], filePrompts.value(i));
+    }
+    AppendLines(QString::fromLatin1(kPromptCountFile), countLines);
+    AppendLines(QString::fromLatin1(kPromptFileFile), fileLines);
+    Messages::ShowText(QStringLiteral("Generated List of Prompt Strings saved at: ") +
+                       QString::fromLatin1(kPromptCountFile));
+}
+
+void CMSelDlg::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_F1) {
+        HostHelp(QString(), QStringLiteral("plc_selection"), 0);
+        event->accept();
+        return;
+    }
+    QDialog::keyPressEvent(event);
+}

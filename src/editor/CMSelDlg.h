@@ -1,0 +1,108 @@
+#pragma once
+
+#include "CDib.h"
+#include "HostValue.h"
+
+#include <QDialog>
+
+class CModuleTree;
+class QButtonGroup;
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QPushButton;
+class QRadioButton;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+// The module selection: the user walks the tree to a catalog, picks a style, an
+// orientation and a scale, and the dialog answers the value list of that module.
+// It only reads the database.
+class CMSelDlg : public QDialog {
+    Q_OBJECT
+
+public:
+    enum Control {
+        kIdOk = 1,
+        kIdTree = 200,
+        kIdList = 201,
+        kIdHelp = 203,
+        kIdScale = 204,
+        kIdExtra = 206,
+        kIdStyleLabel = 208,
+        kIdExtract = 209,
+        kIdDbPath = 243,
+        kIdTable = 244,
+        kIdPromptReport = 247,
+        kIdStyleFirst = 1117,  // styles 1 to 9: 1117 .. 1125
+        kIdPreview = 1126,
+        kIdVertical = 1131,
+        kIdHorizontal = 1132,
+    };
+
+    explicit CMSelDlg(QWidget* parent = nullptr);
+    ~CMSelDlg() override;
+
+    // Set between construction and running the dialog.
+    void SetDbPath(const QString& path);  // a null text is refused
+    void SetExtraFlag(bool bExtra);
+    void SetOrientation(int orientation);  // 1 "H", 2 "V"
+    void SetScale(double scale);
+    void SetStyle(int style);  // 1 to 9; other values leave the style as it is
+    void SetLockStyle(bool bLock);
+    void SetBoxGroupB(bool bGroupB);
+
+    // The answer after OK; empty when the module could not be read.
+    const HostValue& GetResult() const { return m_pResult; }
+    bool HasResult() const { return m_bHasResult; }
+
+    // Start-up: false when the dialog cannot run (no database); it then cancels.
+    bool OnInitDialog();
+    void OnOK();
+    bool UpdateOK();
+    void OnPromptReport();
+
+    CModuleTree& Tree() { return *m_tree; }
+    QTreeWidget& List() { return *m_lstCatalogs; }
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void BuildControls();
+    void OnTreeSelectionChanged(QTreeWidgetItem* item);
+    void OnTreeDoubleClick(QTreeWidgetItem* item);
+    void OnListDoubleClick();
+    void AddModuleRow(const class CKVModule& module);
+    int CheckedStyle() const;
+    void ShowPreview(int style, int orientation);
+    void ApplyLock();
+    void PostOk();
+
+    CModuleTree* m_tree;
+    QPushButton* m_btnOK;
+    QLabel* m_stcPreview;
+    QTreeWidget* m_lstCatalogs;
+    QButtonGroup* m_styles;
+    QRadioButton* m_btnVertical;
+    QRadioButton* m_btnHorizontal;
+    QComboBox* m_cboScale;
+    QCheckBox* m_chkExtra;
+    QLabel* m_stcStyleLabel;
+    QPushButton* m_btnExtract;
+    QLabel* m_stcDbPath;
+    QLabel* m_stcTable;
+
+    int m_nStyleIndex = 0;
+    CDib m_preview;
+    HostValue m_pResult;
+    bool m_bHasResult = false;
+    bool m_bLockStyle = false;
+    bool m_bBoxGroupB = false;
+    QString m_strScale = QStringLiteral("1.0");
+    bool m_nExtraFlag = false;
+    int m_nOrientation = 2;
+    QString m_strDbPath = QStringLiteral("");
+    bool m_bInited = false;
+};

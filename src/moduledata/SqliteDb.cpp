@@ -1,0 +1,253 @@
+#include "SqliteDb.h"
+
+#include <QFile>
+#include <QUrl>
+
+#include <sqlite3.h>
+
+namespace {
+
+QString SavepointName(int depth) {
+    return QStringLiteral("plcdb_sp%1").arg(depth);
+}
+
+QString ErrorText(sqlite3* handle) {
+    if (!handle) {
+        return QStringLiteral("out of memory");
+    }
+    return QString::fromUtf16(static_cast<const char16_t*>(sqlite3_errmsg16(handle)));
+}
+
+}  // namespace
+
+SqliteDb::SqliteDb() = default;
+
+SqliteDb::~SqliteDb() {
+    close();
+}
+
+bool SqliteDb::open(const QString& path, SqliteOpenMode mode) {
+    int flags = SQLITE_OPEN_READWRITE;
+    if (mode == SqliteOpenMode::ReadOnly) {
+        flags = SQLITE_OPEN_READONLY;
+    } else if (mode == SqliteOpenMode::Create) {
+        flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    }
+    return openWith(path, path.toUtf8(), flags);
+}
+
+bool SqliteDb::openImmutable(const QString& path) {
+    const QByteArray uri = QUrl::fromLocalFile(path).toEncoded() + "?immutable=1";
+    return openWith(path, uri, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+}
+
+bool SqliteDb::openWith(const QString& path, const QByteArray& name, int flags) {
+    close();
+    sqlite3* handle = nullptr;
+    const int result = sqlite3_open_v2(name.constData(), &handle, flags, nullptr);
+    if (result != SQLITE_OK) {
+        m_lastError = QStringLiteral("open %1: %2").arg(path, ErrorText(handle));
+        sqlite3_close_v2(handle);
+        return false;
+    }
+    sqlite3_extended_result_codes(handle, 1);
+    m_handle = handle;
+    m_path = path;
+    m_lastError.clear();
+    return true;
+}
+
+void SqliteDb::close() {
+    for (sqlite3_stmt* statement : std::as_const(m_cache)) {
+        sqlite3_finalize(statement);
+    }
+    m_cache.clear();
+    if (m_handle) {
+        // Closing rolls back a transaction left open.
+        sqlite3_close_v2(m_handle);
+        m_handle = nullptr;
+    }
+    m_depth = 0;
+}
+
+bool SqliteDb::isReadOnly() const {
+    return m_handle && sqlite3_db_readonly(m_handle, "main") == 1;
+}
+
+bool SqliteDb::exec(const QString& sql) {
+    if (!m_handle) {
+        return fail(QStringLiteral("no database is open"));
+    }
+    if (sqlite3_exec(m_handle, sql.toUtf8().constData(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+        return noteFailure(QStringLiteral("exec"));
+    }
+    return true;
+}
+
+SqliteStatement SqliteDb::prepare(const QString& sql) {
+    if (!m_handle) {
+        fail(QStringLiteral("no database is open"));
+        return {};
+    }
+    // A cached statement is taken out while lent, so a nested use of the same text
+    // gets a statement of its own.
+    sqlite3_stmt* statement = m_cache.take(sql);
+    if (!statement) {
+        const int bytes = static_cast<int>(sql.size() * sizeof(char16_t));
+        if (sqlite3_prepare16_v3(m_handle, sql.utf16(), bytes, SQLITE_PREPARE_PERSISTENT,
+                                 &statement, nullptr) != SQLITE_OK) {
+            sqlite3_finalize(statement);
+            noteFailure(QStringLiteral("prepare"));
+            return {};
+        }
+    }
+    return SqliteStatement(this, sql, statement);
+}
+
+void SqliteDb::recycle(const QString& sql, sqlite3_stmt* statement) {
+    const bool ours = m_handle && sqlite3_db_handle(statement) == m_handle;
+    if (!ours || m_cache.contains(sql)) {
+        sqlite3_finalize(statement);
+        return;
+    }
+    // Reset ends the statement's read, so an idle cached statement holds no lock.
+    sqlite3_reset(statement);
+    sqlite3_clear_bindings(statement);
+    m_cache.insert(sql, statement);
+}
+
+int SqliteDb::changes() const {
+    return m_handle ? sqlite3_changes(m_handle) : 0;
+}
+
+qint64 SqliteDb::lastInsertRowId() const {
+    return m_handle ? sqlite3_last_insert_rowid(m_handle) : 0;
+}
+
+bool SqliteDb::userVersion(int& version) {
+    SqliteStatement statement = prepare(QStringLiteral("PRAGMA user_version"));
+    if (!statement.next()) {
+        return false;
+    }
+    version = statement.toInt(0);
+    return true;
+}
+
+bool SqliteDb::setUserVersion(int version) {
+    return exec(QStringLiteral("PRAGMA user_version = %1").arg(version));
+}
+
+bool SqliteDb::setBusyTimeout(int milliseconds) {
+    if (!m_handle) {
+        return fail(QStringLiteral("no database is open"));
+    }
+    return sqlite3_busy_timeout(m_handle, milliseconds) == SQLITE_OK ||
+           noteFailure(QStringLiteral("busy timeout"));
+}
+
+bool SqliteDb::setExclusiveLocking() {
+    return exec(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
+}
+
+bool SqliteDb::enableWal() {
+    SqliteStatement statement = prepare(QStringLiteral("PRAGMA journal_mode = WAL"));
+    if (!statement.next()) {
+        return false;
+    }
+    if (statement.text(0).compare(QLatin1String("wal"), Qt::CaseInsensitive) != 0) {
+        return fail(QStringLiteral("the file can't use a write-ahead log"));
+    }
+    // With the log, NORMAL keeps every commit through a crash of the program and the
+    // file consistent through a power loss, without a disk flush per commit.
+    return exec(QStringLiteral("PRAGMA synchronous = NORMAL"));
+}
+
+bool SqliteDb::backupTo(const QString& path) {
+    if (!m_handle) {
+        return fail(QStringLiteral("no database is open"));
+    }
+    SqliteDb target;
+    if (!target.open(path, SqliteOpenMode::Create)) {
+        return fail(target.lastError());
+    }
+    sqlite3_backup* backup = sqlite3_backup_init(target.m_handle, "main", m_handle, "main");
+    bool done = backup && sqlite3_backup_step(backup, -1) == SQLITE_DONE;
+    done = (backup && sqlite3_backup_finish(backup) == SQLITE_OK) && done;
+    if (!done) {
+        const QString reason = ErrorText(target.m_handle);
+        target.close();
+        QFile::remove(path);
+        return fail(QStringLiteral("backup to %1: %2").arg(path, reason));
+    }
+    return true;
+}
+
+bool SqliteDb::isWalFile(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    const QByteArray header = file.read(20);
+    // Bytes 18 and 19 hold the read and write versions: 2 in WAL mode.
+    return header.size() == 20 && header.startsWith(QByteArray("SQLite format 3\0", 16)) &&
+           header.at(18) == 2 && header.at(19) == 2;
+}
+
+bool SqliteDb::beginTransaction() {
+    QString sql = SavepointName(m_depth + 1).prepend(QStringLiteral("SAVEPOINT "));
+    if (m_depth == 0) {
+        // A writer takes its lock at once, so the busy timeout covers the whole wait
+        // instead of failing halfway when a reader turns into a writer.
+        sql = isReadOnly() ? QStringLiteral("BEGIN") : QStringLiteral("BEGIN IMMEDIATE");
+    }
+    if (!exec(sql)) {
+        return false;
+    }
+    ++m_depth;
+    return true;
+}
+
+bool SqliteDb::commitTransaction() {
+    if (m_depth == 0) {
+        return fail(QStringLiteral("no transaction to commit"));
+    }
+    if (m_depth > 1) {
+        const bool released = exec(QStringLiteral("RELEASE ") + SavepointName(m_depth));
+        --m_depth;
+        return released;
+    }
+    const bool committed = exec(QStringLiteral("COMMIT"));
+    if (!committed && m_handle && !sqlite3_get_autocommit(m_handle)) {
+        const QString reason = m_lastError;
+        exec(QStringLiteral("ROLLBACK"));
+        m_lastError = reason;
+    }
+    m_depth = 0;
+    return committed;
+}
+
+void SqliteDb::rollbackTransaction() {
+    if (m_depth == 0) {
+        return;
+    }
+    const QString reason = m_lastError;
+    if (m_depth > 1) {
+        const QString name = SavepointName(m_depth);
+        exec(QStringLiteral("ROLLBACK TO %1; RELEASE %1").arg(name));
+    } else if (m_handle && !sqlite3_get_autocommit(m_handle)) {
+        exec(QStringLiteral("ROLLBACK"));
+    }
+    // The failure that led here is the one worth reporting.
+    m_lastError = reason;
+    --m_depth;
+}
+
+bool SqliteDb::noteFailure(const QString& what) {
+    m_lastError = QStringLiteral("%1: %2").arg(what, ErrorText(m_handle));
+    return false;
+}
+
+bool SqliteDb::fail(const QString& message) {
+    m_lastError = message;
+    return false;
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "SqliteStatement.h"
+
+#include <QHash>
+#include <QString>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+// How a database file is opened. Neither ReadWrite nor ReadOnly ever makes a file.
+enum class SqliteOpenMode { ReadWrite, ReadOnly, Create };
+
+// One connection to an SQLite file. Failures answer false (or an invalid statement)
+// and leave a text in lastError(); nothing throws. Prepared statements are cached by
+// their SQL text for the life of the connection.
+//
+// Transactions nest: the outermost begin starts a real transaction, inner ones are
+// savepoints, so an inner rollback undoes only its own part and nothing is written
+// before the outermost commit.
+class SqliteDb {
+public:
+    SqliteDb();
+    ~SqliteDb();
+    SqliteDb(const SqliteDb&) = delete;
+    SqliteDb& operator=(const SqliteDb&) = delete;
+
+    bool open(const QString& path, SqliteOpenMode mode);
+    // Opens a file that nobody changes while it is open, without locks or journal:
+    // the way to read a file of another journal mode from a folder we can't write.
+    bool openImmutable(const QString& path);
+    void close();
+    bool isOpen() const { return m_handle != nullptr; }
+    bool isReadOnly() const;
+    const QString& path() const { return m_path; }
+    const QString& lastError() const { return m_lastError; }
+
+    // Runs one or more statements without parameters.
+    bool exec(const QString& sql);
+    SqliteStatement prepare(const QString& sql);
+    // Rows changed by the last insert, update or delete.
+    int changes() const;
+    qint64 lastInsertRowId() const;
+
+    bool userVersion(int& version);
+    bool setUserVersion(int version);
+    bool setBusyTimeout(int milliseconds);
+    // Keeps the file locked from the first access until the connection closes.
+    bool setExclusiveLocking();
+    // Write-ahead log, so that readers and a writer in other programs don't block each other.
+    bool enableWal();
+    // Writes a consistent copy of the whole database to a new file at path.
+    bool backupTo(const QString& path);
+    // Whether the file at path is an SQLite file in WAL journal mode (from its header).
+    static bool isWalFile(const QString& path);
+
+    bool beginTransaction();
+    bool commitTransaction();
+    void rollbackTransaction();
+    int transactionDepth() const { return m_depth; }
+
+private:
+    friend class SqliteStatement;
+    void recycle(const QString& sql, sqlite3_stmt* statement);
+    bool noteFailure(const QString& what);
+    bool fail(const QString& message);
+    bool openWith(const QString& path, const QByteArray& name, int flags);
+
+    sqlite3* m_handle = nullptr;
+    QString m_path;
+    QString m_lastError;
+    QHash<QString, sqlite3_stmt*> m_cache;
+    int m_depth = 0;
+};

@@ -1,0 +1,29 @@
+#include "CDib.h"
+
+#include "ResourceLibrary.h"
+
+bool CDib::Attach(const QImage& image) {
+    if (image.isNull()) {
+        return false;
+    }
+    m_image = image;
+    return true;
+}
+
+bool CDib::Load(int resourceId) {
+    const ResourceLibrary* resources = CurrentResources();
+    const QString path = resources ? resources->bitmapPath(resourceId) : QString();
+    return !path.isEmpty() && Attach(QImage(path));
+}
+
+bool CDib::LoadFile(const QString& path, QSize size) {
+    QImage image(path);
+    if (!image.isNull() && !size.isEmpty()) {
+        image = image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
+    return Attach(image);
+}
+
+QPixmap CDib::pixmap() const {
+    return m_image.isNull() ? QPixmap() : QPixmap::fromImage(m_image);
+}

@@ -1,0 +1,36 @@
+#include "DialogControls.h"
+
+#include "HostServices.h"
+
+#include <QVariant>
+#include <QtMath>
+
+namespace {
+constexpr const char* kIdProperty = "controlId";
+}
+
+void SetControlId(QWidget* control, int id) {
+    if (!control) {
+        return;
+    }
+    control->setProperty(kIdProperty, id);
+    control->setObjectName(ControlName(id));
+}
+
+int ControlId(const QWidget* control) {
+    bool ok = false;
+    const int id = control ? control->property(kIdProperty).toInt(&ok) : -1;
+    return ok ? id : -1;
+}
+
+QString ControlName(int id) {
+    return QStringLiteral("ctl_%1").arg(id);
+}
+
+int ScaledX(int size) {
+    return qRound(size * HostHiDpi().x);
+}
+
+int ScaledY(int size) {
+    return qRound(size * HostHiDpi().y);
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+// Dialogs name their controls by number, as their descriptions do: a control carries
+// its number as the property "controlId" and as the object name "ctl_<number>".
+void SetControlId(QWidget* control, int id);
+// The number of a control, or -1 when it has none.
+int ControlId(const QWidget* control);
+QString ControlName(int id);
+
+// The control with that number among the dialog's descendants, or null when there is
+// none of that type.
+template <class T>
+T* FindControl(QWidget* dialog, int id) {
+    return dialog ? dialog->findChild<T*>(ControlName(id)) : nullptr;
+}
+
+// A size given at scale 1, multiplied by the monitor's scale of its direction.
+int ScaledX(int size);
+int ScaledY(int size);

@@ -1,0 +1,228 @@
+#include "CGetStringDlg.h"
+#include "CModuleTree.h"
+#include "DialogControls.h"
+#include "EditorFixture.h"
+#include "ModalRunner.h"
+
+#include <QLineEdit>
+#include <QTest>
+
+namespace {
+
+const QString kNorvale = QStringLiteral("Norvale Controls");
+const QString kSeries = QStringLiteral("NV-100");
+const QString kInputs = QStringLiteral("Digital Input");
+const QString kOutputs = QStringLiteral("Digital Output");
+
+QTreeWidgetItem* Child(QTreeWidgetItem* parent, const QString& text)
+{
+    for (int i = 0; parent && i < parent->childCount(); ++i) {
+        if (parent->child(i)->text(0) == text) {
+            return parent->child(i);
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+class CModuleTreeTest : public EditorFixture {
+protected:
+    void SetUp() override
+    {
+        EditorFixture::SetUp();
+        m_tree = std::make_unique<CModuleTree>();
+        m_tree->SetEditMode(true);
+        m_tree->show();
+        ASSERT_EQ(m_tree->FillTree(), CModuleTree::kFilled);
+    }
+    void TearDown() override
+    {
+        m_tree.reset();
+        EditorFixture::TearDown();
+    }
+    QTreeWidgetItem* root() { return m_tree->topLevelItem(0); }
+    QTreeWidgetItem* type(const QString& name)
+    {
+        return Child(Child(Child(root(), kNorvale), kSeries), name);
+    }
+    // Types a name into the label editor of the running edit and ends it with key.
+    void typeLabel(const QString& text, Qt::Key key = Qt::Key_Return)
+    {
+        auto* editor = m_tree->findChild<QLineEdit*>();
+        ASSERT_NE(editor, nullptr);
+        editor->setText(text);
+        QTest::keyClick(editor, key);
+        QCoreApplication::processEvents();
+    }
+    bool storeHasType(const QString& series, const QString& name)
+    {
+        CKVModuleDB db;
+        return db.Open(databasePath()) && db.IndexExists(kNorvale, series, name);
+    }
+    bool storeHasModule(const QString& typeName, const QString& catalog)
+    {
+        CKVModuleDB db;
+        QString table;
+        return db.Open(databasePath()) &&
+               db.GetTypeTableName(kNorvale, kSeries, typeName, table) &&
+               db.ModuleExists(table, catalog);
+    }
+
+    std::unique_ptr<CModuleTree> m_tree;
+};
+
+TEST_F(CModuleTreeTest, LevelsComeFromTheIndexAndCatalogsWhenATypeIsSelected)
+{
+    EXPECT_EQ(CModuleTree::ItemData(root()), CModuleTree::kRootData);
+    EXPECT_EQ(root()->text(0), LoadResString(4027));
+    QTreeWidgetItem* inputs = type(kInputs);
+    ASSERT_NE(inputs, nullptr);
+    EXPECT_EQ(CModuleTree::ItemData(inputs), CModuleTree::kTypeData);
+    EXPECT_EQ(inputs->childCount(), 0);
+    m_tree->setCurrentItem(inputs);
+    ASSERT_EQ(inputs->childCount(), 3);
+    EXPECT_EQ(inputs->child(0)->text(0), QStringLiteral("NV-1108"));
+    EXPECT_EQ(CModuleTree::ItemData(inputs->child(0)), CModuleTree::kCatalogData);
+
+    QString m, s, t;
+    EXPECT_TRUE(m_tree->GetItemPath(m, s, t, inputs->child(1)));
+    EXPECT_EQ(QStringList({m, s, t}), QStringList({kNorvale, kSeries, kInputs}));
+    EXPECT_FALSE(m_tree->GetItemPath(m, s, t, inputs->parent()));
+    EXPECT_TRUE(m_tree->GetItemPath(m, s, t, inputs->parent(), true));
+    EXPECT_TRUE(t.isEmpty());
+    EXPECT_NE(m_tree->FindItem("norvale controls", "nv-100", "digital output", "nv-1232"),
+              nullptr);
+}
+
+TEST_F(CModuleTreeTest, RenamesChangeTheStoreAndRefusalsBehaveAsTold)
+{
+    QTreeWidgetItem* outputs = type(kOutputs);
+    m_tree->SetContextItem(outputs);
+    m_tree->OnRename();
+    typeLabel(QStringLiteral("Relay Output"));
+    EXPECT_EQ(outputs->text(0), QStringLiteral("Relay Output"));
+    EXPECT_TRUE(storeHasType(kSeries, QStringLiteral("Relay Output")));
+    EXPECT_FALSE(storeHasType(kSeries, kOutputs));
+
+    // Only the case changes: refused in silence.
+    m_tree->OnRename();
+    typeLabel(QStringLiteral("RELAY OUTPUT"));
+    EXPECT_EQ(outputs->text(0), QStringLiteral("Relay Output"));
+    EXPECT_TRUE(m_messages.shown.empty());
+
+    // A series that exists: message 10113, and the tree keeps working.
+    QTreeWidgetItem* series = outputs->parent();
+    m_tree->SetContextItem(Child(series->parent(), QStringLiteral("NV-500")));
+    m_tree->OnRename();
+    typeLabel(kSeries);
+    ASSERT_EQ(m_messages.shown.size(), 1u);
+    EXPECT_EQ(m_messages.shown[0].number, 10113);
+    EXPECT_TRUE(m_tree->Database().IsOpen());
+
+    // A type that exists: message 10114, and the tree's store is closed from then on.
+    m_tree->SetContextItem(outputs);
+    m_tree->OnRename();
+    typeLabel(kInputs);
+    ASSERT_EQ(m_messages.shown.size(), 2u);
+    EXPECT_EQ(m_messages.shown[1].number, 10114);
+    EXPECT_FALSE(m_tree->Database().IsOpen());
+    EXPECT_FALSE(m_tree->ExpandType(type(QStringLiteral("Analog Input"))));
+}
+
+TEST_F(CModuleTreeTest, NewNamesReachTheStoreOnlyWhenTheEditEndsWithOne)
+{
+    QTreeWidgetItem* series = type(kInputs)->parent();
+    m_tree->SetContextItem(series);
+    m_tree->OnNew();
+    typeLabel(QString(), Qt::Key_Escape);
+    EXPECT_EQ(series->childCount(), 3);  // the unnamed item is gone
+
+    m_tree->OnNew();
+    typeLabel(QStringLiteral("  Safety Input  "));
+    EXPECT_EQ(series->childCount(), 4);
+    EXPECT_EQ(series->child(3)->text(0), QStringLiteral("Safety Input"));
+    EXPECT_TRUE(storeHasType(kSeries, QStringLiteral("Safety Input")));
+
+    m_tree->SetContextItem(root());
+    m_tree->OnNew();
+    typeLabel(QStringLiteral("Zephyr Logic"));
+    CKVModuleDB db;
+    ASSERT_TRUE(db.Open(databasePath()));
+    EXPECT_TRUE(db.IndexExists(QStringLiteral("Zephyr Logic"), QString(), QString()));
+}
+
+TEST_F(CModuleTreeTest, DeleteAsksAndRemovesTheLevelFromTheStore)
+{
+    QTreeWidgetItem* outputs = type(kOutputs);
+    int deletingSignals = 0;
+    QObject::connect(m_tree.get(), &CModuleTree::selectionDeleting,
+                     [&deletingSignals] { ++deletingSignals; });
+    m_tree->setCurrentItem(outputs);
+    m_tree->setCurrentItem(outputs->child(0));
+    m_tree->SetContextItem(outputs);
+    m_messages.answers = {kIdNo};
+    m_tree->OnDelete();
+    EXPECT_TRUE(storeHasType(kSeries, kOutputs));
+    ASSERT_EQ(m_messages.shown.size(), 1u);
+    EXPECT_EQ(m_messages.shown[0].number, 10120);
+    EXPECT_TRUE(m_messages.shown[0].text.contains(kOutputs));
+
+    m_messages.answers = {kIdYes};
+    m_tree->OnDelete();
+    EXPECT_FALSE(storeHasType(kSeries, kOutputs));
+    EXPECT_EQ(type(kOutputs), nullptr);
+    EXPECT_EQ(deletingSignals, 1);
+}
+
+TEST_F(CModuleTreeTest, PasteAsksForAFreeNameAndACutMovesTheModule)
+{
+    QTreeWidgetItem* inputs = type(kInputs);
+    m_tree->setCurrentItem(inputs);
+    m_tree->SetContextItem(inputs->child(0));  // NV-1108
+    m_tree->OnCopy();
+
+    // Into the same type: the name exists, so another is asked for.
+    QueuedModalScript script;
+    script.push([](QDialog& dialog) {
+        FindControl<QLineEdit>(&dialog, CGetStringDlg::kIdValue)->setText("NV-1108-B");
+        return int(kIdOk);
+    });
+    m_tree->SetContextItem(inputs);
+    m_tree->OnPaste();
+    EXPECT_TRUE(script.done());
+    EXPECT_EQ(m_messages.shown.at(0).number, 10117);
+    EXPECT_TRUE(storeHasModule(kInputs, QStringLiteral("NV-1108-B")));
+    EXPECT_TRUE(storeHasModule(kInputs, QStringLiteral("NV-1108")));
+    EXPECT_NE(Child(inputs, QStringLiteral("NV-1108-B")), nullptr);
+
+    // A cut pasted where the name exists, then Cancel: nothing moves.
+    m_tree->SetContextItem(Child(inputs, QStringLiteral("NV-1108-B")));
+    m_tree->OnCut();
+    script.pushAnswer(kIdCancel);
+    m_tree->SetContextItem(inputs);
+    m_tree->OnPaste();
+    EXPECT_TRUE(storeHasModule(kInputs, QStringLiteral("NV-1108-B")));
+
+    // The cut pasted into another type moves it.
+    QTreeWidgetItem* outputs = type(kOutputs);
+    m_tree->setCurrentItem(outputs);
+    m_tree->SetContextItem(outputs);
+    m_tree->OnPaste();
+    EXPECT_TRUE(storeHasModule(kOutputs, QStringLiteral("NV-1108-B")));
+    EXPECT_FALSE(storeHasModule(kInputs, QStringLiteral("NV-1108-B")));
+    EXPECT_EQ(Child(inputs, QStringLiteral("NV-1108-B")), nullptr);
+    EXPECT_EQ(m_tree->currentItem()->text(0), QStringLiteral("NV-1108-B"));
+}
+
+TEST_F(CModuleTreeTest, TheRecentSelectionComesBack)
+{
+    ASSERT_TRUE(m_tree->SelectModule(kNorvale, kSeries, kOutputs, QStringLiteral("NV-1232")));
+    EXPECT_TRUE(m_tree->SaveMru());
+
+    CModuleTree other;
+    ASSERT_EQ(other.FillTree(), CModuleTree::kFilled);
+    other.RestoreMru();
+    ASSERT_NE(other.currentItem(), nullptr);
+    EXPECT_EQ(other.currentItem()->text(0), QStringLiteral("NV-1232"));
+}

@@ -1,0 +1,32 @@
+#include "EditorFixture.h"
+
+#include "HostBridge.h"
+
+#include <QFile>
+
+void EditorFixture::SetUp()
+{
+    ASSERT_TRUE(QFile::copy(BuildPath(QStringLiteral("sample/ZEL_PLC.MDB")), databasePath()));
+    QString error;
+    m_resources = ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"), &error);
+    ASSERT_TRUE(m_resources) << qPrintable(error);
+    SetCurrentResources(m_resources.get());
+    ZelPlcDbIO::SetInstance(&m_store);
+    StandaloneHostConfig config;
+    config.supportPath = {m_dir.path(), BuildPath(QStringLiteral("sample"))};
+    m_host = std::make_unique<StandaloneHost>(config);
+    m_host->setReporter([](const QString&) {});
+    m_host->openDocument();
+    SetCurrentHost(m_host.get());
+    for (const char* name : {"kv_fio_does_file_exist", "kv_fio_does_file_exist_error",
+                             "zel_get_var"}) {
+        DeclareLispFunction(QString::fromLatin1(name));
+    }
+}
+
+void EditorFixture::TearDown()
+{
+    SetCurrentHost(nullptr);
+    ZelPlcDbIO::SetInstance(nullptr);
+    SetCurrentResources(nullptr);
+}

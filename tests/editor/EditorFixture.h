@@ -1,0 +1,27 @@
+#pragma once
+
+#include "ResourceLibrary.h"
+#include "StandaloneHost.h"
+#include "TestSupport.h"
+#include "ZelPlcDbIO.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+// A copy of the sample database in a temporary folder that is the host's search path,
+// the resource library's texts, the process store and scripted message answers.
+class EditorFixture : public testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+    QString databasePath() const { return m_dir.filePath(QStringLiteral("ZEL_PLC.MDB")); }
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<ResourceLibrary> m_resources;
+    std::unique_ptr<StandaloneHost> m_host;
+    ZelPlcDbIO m_store;
+    ScriptedMessages m_messages;
+};

@@ -1,0 +1,91 @@
+#include "CKVModuleDB.h"
+#include "CatalogDocument.h"
+#include "TestSupport.h"
+#include "ZelPlcDbIO.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+class CatalogDocumentTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        ZelPlcDbIO::SetInstance(&m_store);
+        const QString path = m_dir.filePath(QStringLiteral("ZEL_PLC.MDB"));
+        ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(path));
+        ASSERT_TRUE(m_db.Open(path));
+    }
+    void TearDown() override
+    {
+        m_db.Close();
+        ZelPlcDbIO::SetInstance(nullptr);
+    }
+    QJsonObject exported()
+    {
+        QJsonObject document;
+        EXPECT_TRUE(CatalogDocument::Export(m_db, document, nullptr));
+        return document;
+    }
+    bool import(const char* json, QString* error = nullptr)
+    {
+        return CatalogDocument::Import(m_db, QJsonDocument::fromJson(json).object(), error);
+    }
+
+    QTemporaryDir m_dir;
+    ZelPlcDbIO m_store;
+    CKVModuleDB m_db;
+};
+
+TEST_F(CatalogDocumentTest, TextsPassUnchangedAndMissingKeysAreEmpty)
+{
+    ASSERT_TRUE(import(R"({"format":"plcdb","version":1,
+        "modules":[{"manufacturer":"M","series":"S","type":"T",
+                    "spec":{"Code":"C1","BoxA1":" 12,5 mm ","DirFlags":"7"},
+                    "terminals":[{"text":"HP?SPACE"},{"special":"A = 1;;"}]}],
+        "styles":[{"number":3,"BoxB6":"abc"}]})"));
+    const QJsonObject document = exported();
+    const QJsonObject module = document.value("modules").toArray().at(0).toObject();
+    EXPECT_EQ(module.value("spec").toObject(),
+              QJsonObject({{"Code", "C1"}, {"BoxA1", " 12,5 mm "}, {"DirFlags", "7"}}));
+    EXPECT_EQ(module.value("terminals").toArray(),
+              QJsonArray({QJsonObject{{"text", "HP?SPACE"}, {"special", ""}},
+                          QJsonObject{{"text", ""}, {"special", "A = 1;;"}}}));
+    EXPECT_EQ(document.value("styles").toArray().at(2).toObject(),
+              QJsonObject({{"number", 3}, {"BoxB6", "abc"}}));
+    // The module's index rows are implied.
+    EXPECT_EQ(document.value("index").toArray().size(), 3);
+}
+
+TEST_F(CatalogDocumentTest, AnyErrorWritesNothing)
+{
+    const QJsonObject empty = exported();
+    const char* const bad[] = {
+        R"({"format":"other","version":1})",
+        R"({"format":"plcdb","version":2})",
+        R"({"format":"plcdb","version":1,"index":{}})",
+        R"({"format":"plcdb","version":1,"index":[{"manufacturer":"M","type":"T"}]})",
+        R"({"format":"plcdb","version":1,"index":[{"manufacturer":"A"}],
+            "modules":[{"manufacturer":"M","series":"S","type":"T","spec":{"Code":"C","Nope":"x"}}]})",
+        R"({"format":"plcdb","version":1,"index":[{"manufacturer":"A"}],
+            "modules":[{"manufacturer":"M","series":"S","type":"T","spec":{"Code":5}}]})",
+        R"({"format":"plcdb","version":1,"index":[{"manufacturer":"A"}],
+            "modules":[{"manufacturer":"M","series":"S","spec":{"Code":"C"}}]})",
+        R"({"format":"plcdb","version":1,"index":[{"manufacturer":"A"}],
+            "modules":[{"manufacturer":"M","series":"S","type":"T","spec":{"Code":"C"}},
+                       {"manufacturer":"M","series":"S","type":"T","spec":{"Code":"C"}}]})",
+        R"({"format":"plcdb","version":1,"index":[{"manufacturer":"A"}],
+            "styles":[{"number":12}]})",
+        R"({"format":"plcdb","version":1,"index":[{"manufacturer":"A"}],
+            "modules":[{"manufacturer":"M","series":"S","type":"T","spec":{"Code":"C"},
+                        "terminals":[{"text":1}]}]})",
+    };
+    for (const char* json : bad) {
+        QString error;
+        EXPECT_FALSE(import(json, &error)) << json;
+        EXPECT_FALSE(error.isEmpty()) << json;
+        EXPECT_EQ(exported(), empty) << json;
+    }
+}

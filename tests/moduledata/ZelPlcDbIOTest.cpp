@@ -1,0 +1,516 @@
+#include "SqliteDb.h"
+#include "SqliteTransaction.h"
+#include "ZelPlcDbIO.h"
+
+#include "TestSupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace {
+
+const QString kShared = QStringLiteral("Share Deny None");
+const QString kRead = QStringLiteral("Read");
+const QString kReadExclusive = QStringLiteral("Read|Share Deny Read|Share Deny Write");
+
+QString ConnectionText(const QString& path, const QString& mode) {
+    return QStringLiteral("Provider=Any.Provider.1;Data Source=%1;Mode=%2;Engine Option=5")
+        .arg(path, mode);
+}
+
+int CountRows(SqliteDb& db) {
+    SqliteStatement statement = db.prepare(QStringLiteral("SELECT count(*) FROM t"));
+    return statement.next() ? statement.toInt(0) : -1;
+}
+
+ModDB::ModSpecData SpecWithDistinctFields(const QString& code) {
+    ModDB::ModSpecData spec;
+    for (int place = 0; place < ModDB::ModSpecData::kFieldCount; ++place) {
+        spec.field(place) =
+            QStringLiteral("%1 %2").arg(ModDB::ModSpecData::FieldName(place)).arg(place);
+    }
+    spec.Code = code;
+    return spec;
+}
+
+QStringList SpecFields(const ModDB::ModSpecData& spec) {
+    QStringList fields;
+    for (int place = 0; place < ModDB::ModSpecData::kFieldCount; ++place) {
+        fields << spec.field(place);
+    }
+    return fields;
+}
+
+TEST(SqliteDbTest, GuardRollsBackUnlessCommittedAndInnerGuardsJoinTheOuterOne) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("t.db");
+    SqliteDb db;
+    ASSERT_TRUE(db.open(path, SqliteOpenMode::Create));
+    ASSERT_TRUE(db.exec("CREATE TABLE t (x INTEGER UNIQUE)"));
+    SqliteDb reader;
+    ASSERT_TRUE(reader.open(path, SqliteOpenMode::ReadOnly));
+    {
+        SqliteTransaction outer(db);
+        ASSERT_TRUE(outer.isActive());
+        EXPECT_TRUE(db.exec("INSERT INTO t VALUES (1)"));
+        {
+            SqliteTransaction committed(db);
+            EXPECT_TRUE(db.exec("INSERT INTO t VALUES (2)"));
+            EXPECT_TRUE(committed.commit());
+        }
+        {
+            SqliteTransaction abandoned(db);
+            EXPECT_TRUE(db.exec("INSERT INTO t VALUES (3)"));
+        }
+        EXPECT_EQ(CountRows(db), 2);
+        // An inner commit writes nothing before the outer one.
+        EXPECT_EQ(CountRows(reader), 0);
+        EXPECT_TRUE(outer.commit());
+    }
+    EXPECT_EQ(CountRows(reader), 2);
+    {
+        SqliteTransaction dropped(db);
+        EXPECT_TRUE(db.exec("DELETE FROM t"));
+    }
+    EXPECT_EQ(CountRows(db), 2);
+    EXPECT_EQ(db.transactionDepth(), 0);
+    EXPECT_FALSE(db.commitTransaction());
+}
+
+TEST(SqliteDbTest, FailuresAreResultsWithAText) {
+    QTemporaryDir dir;
+    SqliteDb db;
+    EXPECT_FALSE(db.open(dir.filePath("missing.db"), SqliteOpenMode::ReadWrite));
+    EXPECT_FALSE(QFile::exists(dir.filePath("missing.db")));
+    EXPECT_FALSE(db.lastError().isEmpty());
+    EXPECT_FALSE(db.prepare("SELECT 1").isValid());
+
+    ASSERT_TRUE(db.open(dir.filePath("t.db"), SqliteOpenMode::Create));
+    ASSERT_TRUE(db.exec("CREATE TABLE t (x INTEGER UNIQUE)"));
+    EXPECT_FALSE(db.prepare("SELECT nothing FROM nowhere").isValid());
+    EXPECT_FALSE(db.lastError().isEmpty());
+
+    SqliteStatement insert = db.prepare("INSERT INTO t VALUES (?1)");
+    EXPECT_TRUE(insert.bind(1, 5).run());
+    // The same text while the first statement is still lent out, and a clash.
+    SqliteStatement again = db.prepare("INSERT INTO t VALUES (?1)");
+    EXPECT_FALSE(again.bind(1, 5).run());
+    EXPECT_TRUE(db.lastError().contains("UNIQUE"));
+    SqliteStatement outOfRange = db.prepare("INSERT INTO t VALUES (?1)");
+    EXPECT_FALSE(outOfRange.bind(2, 6).run());
+    EXPECT_EQ(CountRows(db), 1);
+}
+
+class ZelPlcDbIOTest : public testing::Test {
+protected:
+    void SetUp() override {
+        m_path = m_dir.filePath("ZEL_PLC.MDB");
+        QString error;
+        ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path, &error)) << error.toStdString();
+        ASSERT_TRUE(m_store.PutConnectionString(ConnectionText(m_path, kShared)));
+    }
+
+    // Adds a type and answers its table name.
+    QString addType(const QString& manufacturer, const QString& series, const QString& type) {
+        QString table;
+        EXPECT_TRUE(m_store.AddIndexData(manufacturer, series, type))
+            << m_store.m_strLastError.toStdString();
+        EXPECT_TRUE(m_store.GetTypeTableName(manufacturer, series, type, table));
+        return table;
+    }
+
+    void addRows(const QString& table, const QString& code, const QList<int>& numbers) {
+        QList<ModDB::ModTermData> rows;
+        for (int number : numbers) {
+            rows.append({code, number, QStringLiteral("text%1").arg(number),
+                         QStringLiteral("sp%1").arg(number)});
+        }
+        EXPECT_TRUE(m_store.AddModTermData(table + "_Data", rows));
+    }
+
+    QList<int> rowNumbers(const QString& table, const QString& code) {
+        QList<ModDB::ModTermData> rows;
+        EXPECT_TRUE(m_store.GetModTermData(table + "_Data", code, rows));
+        QList<int> numbers;
+        for (const ModDB::ModTermData& row : rows) {
+            numbers << row.Number;
+        }
+        return numbers;
+    }
+
+    QTemporaryDir m_dir;
+    QString m_path;
+    ZelPlcDbIO m_store;
+};
+
+TEST_F(ZelPlcDbIOTest, IndexComesGroupedAndSortedWithoutRegardToCase) {
+    EXPECT_TRUE(m_store.AddIndexData("Zeta", QString(), QString()));
+    addType("acme", "S2", "T1");
+    EXPECT_TRUE(m_store.AddIndexData("ACME", "s1", QString()));
+    addType("Acme", "S1", "T2");
+    addType("ACME", "s2", "a0");
+
+    QList<ModDB::IndexData> rows;
+    ASSERT_TRUE(m_store.GetArrayOfAllIndexData(rows));
+    const QStringList expected{"acme||",     "ACME|s1|",   "Acme|S1|T2", "acme|S2|",
+                               "ACME|s2|a0", "acme|S2|T1", "Zeta||"};
+    QStringList got;
+    for (const ModDB::IndexData& row : rows) {
+        got << QStringList{row.Manufacturer, row.Series, row.Type}.join('|');
+        // A table name belongs to a type row only.
+        EXPECT_EQ(row.TableName.isEmpty(), row.Type.isEmpty()) << got.last().toStdString();
+    }
+    EXPECT_EQ(got, expected);
+    EXPECT_FALSE(rows.first().Series.isNull());
+}
+
+TEST_F(ZelPlcDbIOTest, NamesAreUniquePerLevelWithoutRegardToCaseUnicodeIncluded) {
+    EXPECT_TRUE(m_store.AddIndexData("ÄRGER", QString(), QString()));
+    EXPECT_FALSE(m_store.AddIndexData("ärger", QString(), QString()));
+    EXPECT_FALSE(m_store.m_strLastError.isEmpty());
+    const QString table = addType("ärger", "Σειρά", "T");
+    EXPECT_FALSE(m_store.AddIndexData("ÄRGER", "ΣΕΙΡΆ", "t"));
+    // A series of that name under the manufacturer is another level.
+    EXPECT_TRUE(m_store.AddIndexData("Other", "ärger", QString()));
+
+    struct Case {
+        QString manufacturer, series, type;
+        bool exists;
+    };
+    const Case cases[] = {
+        {"äRGER", QString(), QString(), true},   {"ÄRGER", "σειρά", QString(), true},
+        {"ärger", "ΣΕΙΡΆ", "t", true},           {"ärger", "ΣΕΙΡΆ", "u", false},
+        {"other", QString(), QString(), true},   {"Other", "ärger", "T", false},
+        {"nobody", QString(), QString(), false},
+    };
+    for (const Case& c : cases) {
+        bool exists = !c.exists;
+        EXPECT_TRUE(m_store.DoesIndexDataExist(c.manufacturer, c.series, c.type, exists));
+        EXPECT_EQ(exists, c.exists)
+            << c.manufacturer.toStdString() << "/" << c.series.toStdString();
+    }
+    QString again;
+    EXPECT_TRUE(m_store.GetTypeTableName("ärger", "σειρά", "T", again));
+    EXPECT_EQ(again, table);
+    EXPECT_FALSE(m_store.GetTypeTableName("ärger", "σειρά", QString(), again));
+    EXPECT_FALSE(m_store.AddIndexData(QString(), "S", "T"));
+}
+
+TEST_F(ZelPlcDbIOTest, RenameChangesTheLowestGivenLevelAndRefusesATakenName) {
+    const QString table = addType("M", "S", "T");
+    addType("M", "S", "U");
+    addType("M", "R", "T");
+    EXPECT_TRUE(m_store.AddIndexData("N", QString(), QString()));
+
+    struct Case {
+        QString manufacturer, series, type, newName;
+        bool ok;
+    };
+    const Case cases[] = {
+        {"M", "S", "T", "u", false},
+        {"M", "S", "T", "V", true},
+        {"M", "s", QString(), "r", false},
+        {"M", "s", QString(), "Q", true},
+        {"m", QString(), QString(), "n", false},
+        {"m", QString(), QString(), "m", true},
+        {"m", QString(), QString(), "L", true},
+        {"Gone", QString(), QString(), "X", false},
+        {"L", "Q", "V", QString(), false},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(m_store.RenameIndexData(c.manufacturer, c.series, c.type, c.newName), c.ok)
+            << c.manufacturer.toStdString() << "/" << c.newName.toStdString();
+    }
+    // The type keeps its table through all renames.
+    QString renamed;
+    ASSERT_TRUE(m_store.GetTypeTableName("L", "Q", "V", renamed));
+    EXPECT_EQ(renamed, table);
+}
+
+TEST_F(ZelPlcDbIOTest, RemoveTakesTheLevelWithEverythingBelowIt) {
+    const QString kept = addType("M", "S", "Keep");
+    const QString gone = addType("M", "R", "Gone");
+    ASSERT_TRUE(m_store.AddModSpecData(gone, SpecWithDistinctFields("C1"), false));
+    addRows(gone, "C1", {1, 2});
+    ASSERT_TRUE(m_store.AddModSpecData(kept, SpecWithDistinctFields("C1"), false));
+
+    EXPECT_TRUE(m_store.RemoveIndexData("m", "r", QString()));
+    EXPECT_FALSE(m_store.RemoveIndexData("m", "r", QString()));
+    bool exists = true;
+    EXPECT_TRUE(m_store.DoesIndexDataExist("M", "R", QString(), exists));
+    EXPECT_FALSE(exists);
+    EXPECT_TRUE(m_store.DoesSpecDataExist(gone, "C1", exists));
+    EXPECT_FALSE(exists);
+    EXPECT_TRUE(m_store.DoesTermDataExist(gone + "_Data", "C1", -1, exists));
+    EXPECT_FALSE(exists);
+    EXPECT_TRUE(m_store.DoesSpecDataExist(kept, "C1", exists));
+    EXPECT_TRUE(exists);
+
+    // A type made again under the old names starts empty, with a table name of its own.
+    EXPECT_NE(addType("M", "R", "Gone"), gone);
+    EXPECT_TRUE(m_store.RemoveIndexData("M", QString(), QString()));
+    QList<ModDB::IndexData> rows;
+    EXPECT_TRUE(m_store.GetArrayOfAllIndexData(rows));
+    EXPECT_TRUE(rows.isEmpty());
+}
+
+TEST_F(ZelPlcDbIOTest, SpecRowsKeepAllFieldsAndCodesCompareWithoutRegardToCase) {
+    const QString table = addType("M", "S", "T");
+    const QString other = addType("M", "S", "U");
+    ModDB::ModSpecData spec = SpecWithDistinctFields("Öl-1");
+    ASSERT_TRUE(m_store.AddModSpecData(table, spec, false));
+    EXPECT_FALSE(m_store.AddModSpecData(table, SpecWithDistinctFields("öL-1"), true));
+    EXPECT_TRUE(m_store.AddModSpecData(other, SpecWithDistinctFields("ÖL-1"), false));
+    EXPECT_TRUE(m_store.AddModSpecData(table, SpecWithDistinctFields("a-2"), false));
+
+    ModDB::ModSpecData read;
+    ASSERT_TRUE(m_store.GetModSpecData(table, "öl-1", read, false));
+    EXPECT_EQ(SpecFields(read), SpecFields(spec));
+
+    spec.Description = "changed";
+    spec.Reserved = "kept as given";
+    spec.DirFlags.clear();
+    ASSERT_TRUE(m_store.UpdateModSpecData(table, "ÖL-1", spec, false));
+    ASSERT_TRUE(m_store.GetModSpecData(table, "Öl-1", read, true));
+    EXPECT_EQ(SpecFields(read), SpecFields(spec));
+    EXPECT_FALSE(m_store.UpdateModSpecData(table, "none", spec, false));
+    EXPECT_FALSE(m_store.GetModSpecData(table, "none", read, false));
+
+    QStringList codes;
+    ASSERT_TRUE(m_store.GetArrayOfModSpecCodes(table, codes));
+    EXPECT_EQ(codes, QStringList({"a-2", "Öl-1"}));
+    EXPECT_FALSE(m_store.RenameModSpecData(table, "a-2", "öl-1"));
+    EXPECT_TRUE(m_store.RenameModSpecData(table, "a-2", "A-2"));
+    EXPECT_TRUE(m_store.RenameModSpecData(table, "A-2", "B-3"));
+    EXPECT_TRUE(m_store.RemoveModSpecData(table, "öl-1"));
+    EXPECT_FALSE(m_store.RemoveModSpecData(table, "öl-1"));
+    ASSERT_TRUE(m_store.GetArrayOfModSpecCodes(table, codes));
+    EXPECT_EQ(codes, QStringList({"B-3"}));
+    bool exists = false;
+    EXPECT_TRUE(m_store.DoesSpecDataExist(other, "öl-1", exists));
+    EXPECT_TRUE(exists);
+}
+
+TEST_F(ZelPlcDbIOTest, TerminalRowsComeInNumberOrderAndBatchesAreAtomic) {
+    const QString table = addType("M", "S", "T");
+    QList<ModDB::ModTermData> rows{{"x", 1, "", ""}};
+    EXPECT_TRUE(m_store.GetModTermData(table + "_Data", "C", rows));
+    EXPECT_TRUE(rows.isEmpty());
+    EXPECT_TRUE(m_store.RemoveModTermData(table + "_Data", "C", -1, -1));
+
+    addRows(table, "C", {3, 1, 2});
+    addRows(table, "other", {1});
+    ASSERT_TRUE(m_store.GetModTermData(table + "_Data", "c", rows));
+    ASSERT_EQ(rows.size(), 3);
+    EXPECT_EQ(rows[0].Code, "C");
+    EXPECT_EQ(rows[0].Text, "text1");
+    EXPECT_EQ(rows[2].Special, "sp3");
+    EXPECT_EQ(rowNumbers(table, "C"), QList<int>({1, 2, 3}));
+    // Row 2 exists already: none of the batch is added.
+    EXPECT_FALSE(m_store.AddModTermData(table + "_Data", {{"C", 4, "", ""}, {"C", 2, "", ""}}));
+    EXPECT_EQ(rowNumbers(table, "C"), QList<int>({1, 2, 3}));
+
+    struct Case {
+        int row;
+        bool exists;
+    };
+    for (const Case& c : {Case{-1, true}, Case{3, true}, Case{4, false}}) {
+        bool exists = !c.exists;
+        EXPECT_TRUE(m_store.DoesTermDataExist(table + "_Data", "C", c.row, exists));
+        EXPECT_EQ(exists, c.exists) << c.row;
+    }
+    EXPECT_TRUE(m_store.RemoveModTermData(table + "_Data", "C", 2, 2));
+    EXPECT_EQ(rowNumbers(table, "C"), QList<int>({1, 3}));
+    EXPECT_FALSE(m_store.RenameModTermData(table + "_Data", "C", "OTHER"));
+    EXPECT_TRUE(m_store.RenameModTermData(table + "_Data", "C", "D"));
+    EXPECT_EQ(rowNumbers(table, "d"), QList<int>({1, 3}));
+    EXPECT_TRUE(m_store.RemoveModTermData(table + "_Data", "D", -1, -1));
+    EXPECT_TRUE(rowNumbers(table, "D").isEmpty());
+    EXPECT_EQ(rowNumbers(table, "other"), QList<int>({1}));
+}
+
+TEST_F(ZelPlcDbIOTest, StyleBoxesOneToNineAndThePromptTable) {
+    ModDB::StyleBoxData style;
+    for (int number = 1; number <= 9; ++number) {
+        ASSERT_TRUE(m_store.GetStyleBoxData(number, style)) << number;
+        EXPECT_EQ(style.Number, number);
+        EXPECT_TRUE(style.Box[0].isEmpty() && style.Box[11].isEmpty());
+    }
+    EXPECT_FALSE(m_store.GetStyleBoxData(10, style));
+    style.Box[0] = "1.5 in";
+    style.Box[11] = "7";
+    EXPECT_TRUE(m_store.UpdateStyleBoxData(4, style));
+    EXPECT_FALSE(m_store.UpdateStyleBoxData(0, style));
+    ModDB::StyleBoxData read;
+    ASSERT_TRUE(m_store.GetStyleBoxData(4, read));
+    EXPECT_EQ(read.Box, style.Box);
+
+    EXPECT_TRUE(m_store.ReturnLocalizedPrompt("SLOT NO.").isEmpty());
+    EXPECT_TRUE(m_store.AddPromptRow({"SLOT NO.", "STECKPLATZ"}));
+    EXPECT_FALSE(m_store.AddPromptRow({"SLOT NO.", "again"}));
+    EXPECT_EQ(m_store.ReturnLocalizedPrompt("SLOT NO."), "STECKPLATZ");
+    ZelPlcDbIO fresh;
+    ASSERT_TRUE(fresh.PutConnectionString(ConnectionText(m_path, kRead)));
+    EXPECT_EQ(fresh.ReturnLocalizedPrompt("SLOT NO."), "STECKPLATZ");
+    EXPECT_TRUE(fresh.ReturnLocalizedPrompt("slot no.").isEmpty());
+}
+
+TEST_F(ZelPlcDbIOTest, OperationsInsideATransactionWaitForItsEnd) {
+    const QString table = addType("M", "S", "T");
+    ZelPlcDbIO reader;
+    ASSERT_TRUE(reader.PutConnectionString(ConnectionText(m_path, kRead)));
+    bool exists = true;
+
+    ASSERT_TRUE(m_store.BeginTransaction());
+    ASSERT_TRUE(m_store.BeginTransaction());
+    EXPECT_TRUE(m_store.AddModSpecData(table, SpecWithDistinctFields("C"), false));
+    addRows(table, "C", {1});
+    EXPECT_TRUE(m_store.CommitTransaction());
+    EXPECT_TRUE(reader.DoesSpecDataExist(table, "C", exists));
+    EXPECT_FALSE(exists);
+    m_store.RollbackTransaction();
+    EXPECT_TRUE(m_store.DoesSpecDataExist(table, "C", exists));
+    EXPECT_FALSE(exists);
+
+    ASSERT_TRUE(m_store.BeginTransaction());
+    EXPECT_TRUE(m_store.AddModSpecData(table, SpecWithDistinctFields("C"), false));
+    addRows(table, "C", {1});
+    EXPECT_TRUE(m_store.CommitTransaction());
+    EXPECT_TRUE(reader.DoesSpecDataExist(table, "C", exists));
+    EXPECT_TRUE(exists);
+    EXPECT_EQ(rowNumbers(table, "C"), QList<int>({1}));
+    EXPECT_FALSE(m_store.CommitTransaction());
+}
+
+TEST_F(ZelPlcDbIOTest, ReadOnlyConnectionReadsButEveryWriteFailsCleanly) {
+    const QString table = addType("M", "S", "T");
+    ASSERT_TRUE(m_store.AddModSpecData(table, SpecWithDistinctFields("C"), false));
+    ASSERT_TRUE(m_store.PutConnectionString(ConnectionText(m_path, kRead)));
+    ModDB::ModSpecData spec;
+    EXPECT_TRUE(m_store.GetModSpecData(table, "C", spec, false));
+
+    const std::function<bool()> writes[] = {
+        [&] { return m_store.AddIndexData("N", QString(), QString()); },
+        [&] { return m_store.RenameIndexData("M", QString(), QString(), "N"); },
+        [&] { return m_store.RemoveIndexData("M", QString(), QString()); },
+        [&] { return m_store.AddModSpecData(table, SpecWithDistinctFields("D"), false); },
+        [&] { return m_store.UpdateModSpecData(table, "C", spec, false); },
+        [&] { return m_store.RenameModSpecData(table, "C", "D"); },
+        [&] { return m_store.RemoveModSpecData(table, "C"); },
+        [&] {
+            return m_store.AddModTermData(table + "_Data", {{"C", 1, "", ""}});
+        },
+        [&] { return m_store.RemoveModTermData(table + "_Data", "C", -1, -1); },
+        [&] { return m_store.UpdateStyleBoxData(1, ModDB::StyleBoxData()); },
+        [&] {
+            return m_store.AddPromptRow({"a", "b"});
+        },
+    };
+    for (size_t at = 0; at < std::size(writes); ++at) {
+        m_store.m_strLastError.clear();
+        EXPECT_FALSE(writes[at]()) << at;
+        EXPECT_FALSE(m_store.m_strLastError.isEmpty()) << at;
+    }
+    bool exists = false;
+    EXPECT_TRUE(m_store.DoesSpecDataExist(table, "C", exists));
+    EXPECT_TRUE(exists);
+}
+
+TEST_F(ZelPlcDbIOTest, EachFileOpensOnlyInTheModesItAllows) {
+    const QString writable = m_dir.filePath("writable.mdb");
+    const QString locked = m_dir.filePath("locked.mdb");
+    const QString garbage = m_dir.filePath("garbage.mdb");
+    const QString foreign = m_dir.filePath("foreign.mdb");
+    const QString missing = m_dir.filePath("missing.mdb");
+    ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(writable));
+    ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(locked));
+    ASSERT_FALSE(ZelPlcDbIO::CreateDatabase(locked));
+    ASSERT_TRUE(
+        QFile::setPermissions(locked, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
+    QByteArray noise(4096, '\0');
+    QRandomGenerator random(7);
+    for (char& byte : noise) {
+        byte = char(random.bounded(256));
+    }
+    QFile file(garbage);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(noise);
+    file.close();
+    {
+        SqliteDb other;
+        ASSERT_TRUE(other.open(foreign, SqliteOpenMode::Create));
+        ASSERT_TRUE(other.exec("CREATE TABLE plc_index (x)"));
+    }
+
+    struct Case {
+        QString path;
+        bool shared, read, exclusive;
+    };
+    const Case cases[] = {
+        {writable, true, true, true},   {locked, false, true, true},
+        {garbage, false, false, false}, {foreign, false, false, false},
+        {missing, false, false, false}, {m_dir.path(), false, false, false},
+    };
+    for (const Case& c : cases) {
+        ZelPlcDbIO store;
+        EXPECT_EQ(store.PutConnectionString(ConnectionText(c.path, kShared)), c.shared)
+            << c.path.toStdString();
+        EXPECT_EQ(store.PutConnectionString(ConnectionText(c.path, kRead)), c.read)
+            << c.path.toStdString();
+        EXPECT_EQ(store.PutConnectionString(ConnectionText(c.path, kReadExclusive)), c.exclusive)
+            << c.path.toStdString();
+    }
+    EXPECT_FALSE(QFile::exists(missing));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), noise);
+    EXPECT_FALSE(m_store.PutConnectionString("Mode=Read"));
+}
+
+TEST_F(ZelPlcDbIOTest, ConnectionTextsInTheirUsualForms) {
+    ASSERT_TRUE(QDir(m_dir.path()).mkdir("a;b"));
+    const QString odd = m_dir.filePath("a;b/ZEL_PLC.MDB");
+    ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(odd));
+    struct Case {
+        QString text;
+        bool opens, writable;
+    };
+    const Case cases[] = {
+        {"Data Source=" + m_path, true, true},
+        {"Provider;data source = " + m_path + " ; MODE = read", true, false},
+        {"Data Source=\"" + odd + "\";Mode=Read|Share Deny Write", true, false},
+        {"Data Source=\"" + odd + "\";Mode=ReadWrite|Share Deny None", true, true},
+        {"Data Source=" + odd, false, false},
+        {"Source=" + m_path, false, false},
+    };
+    for (const Case& c : cases) {
+        ZelPlcDbIO store;
+        EXPECT_EQ(store.PutConnectionString(c.text), c.opens) << c.text.toStdString();
+        EXPECT_EQ(store.UpdateStyleBoxData(1, ModDB::StyleBoxData()), c.writable)
+            << c.text.toStdString();
+    }
+}
+
+TEST_F(ZelPlcDbIOTest, TheSameConnectionTextKeepsTheOpenConnection) {
+    const QString table = addType("M", "S", "T");
+    const QString moved = m_dir.filePath("moved.mdb");
+    ASSERT_TRUE(QFile::rename(m_path, moved));
+    // Reopening would fail now that nothing lies at the path.
+    EXPECT_TRUE(m_store.PutConnectionString(ConnectionText(m_path, kShared)));
+    QString again;
+    EXPECT_TRUE(m_store.GetTypeTableName("M", "S", "T", again));
+    EXPECT_FALSE(m_store.PutConnectionString(ConnectionText(m_path, kRead)));
+    // A failed open leaves the connection as it was.
+    EXPECT_TRUE(m_store.GetTypeTableName("M", "S", "T", again));
+    EXPECT_EQ(again, table);
+    ASSERT_TRUE(QFile::rename(moved, m_path));
+    EXPECT_TRUE(m_store.PutConnectionString(ConnectionText(m_path, kRead)));
+    EXPECT_TRUE(m_store.GetTypeTableName("M", "S", "T", again));
+}
+
+}  // namespace
