@@ -21,22 +21,19 @@ constexpr int kRows = 10000;
 constexpr int kIndexRows = 100000;
 constexpr int kCatalogs = 10000;
 
-QTemporaryDir& Folder()
-{
+QTemporaryDir& Folder() {
     static QTemporaryDir folder;
     return folder;
 }
 
-QString FreshDatabase(const QString& name)
-{
+QString FreshDatabase(const QString& name) {
     const QString path = Folder().filePath(name);
     QFile::remove(path);
     ZelPlcDbIO::CreateDatabase(path);
     return path;
 }
 
-ZelPlcDbIO& Store()
-{
+ZelPlcDbIO& Store() {
     static ZelPlcDbIO store;
     ZelPlcDbIO::SetInstance(&store);
     return store;
@@ -48,22 +45,20 @@ struct BigModule {
     int handle = -1;
     QString table;
 
-    BigModule()
-    {
+    BigModule() {
         Store();
         db.Open(FreshDatabase(QStringLiteral("big.db")));
         handle = db.NewModule("Bench", "Series", "Type", "BIG-1");
         db.GetTypeTableName("Bench", "Series", "Type", table);
         CKVModule& module = db.GetModule(handle);
         for (int row = 1; row <= kRows; ++row) {
-            module.SetTermRow(row, QStringLiteral("HP?TERM;TERM_=%1;\\SPECIAL=ADDR_IN;DESC=Channel %1")
-                                       .arg(row));
+            module.SetTermRow(
+                row, QStringLiteral("HP?TERM;TERM_=%1;\\SPECIAL=ADDR_IN;DESC=Channel %1").arg(row));
         }
     }
 };
 
-void BM_ModuleStoreSaveLoad(benchmark::State& state)
-{
+void BM_ModuleStoreSaveLoad(benchmark::State& state) {
     BigModule big;
     for (auto _ : state) {
         big.db.SaveModule(big.handle);
@@ -76,8 +71,7 @@ BENCHMARK(BM_ModuleStoreSaveLoad)->Unit(benchmark::kMillisecond);
 
 // The same rows through raw prepared statements: replace all rows of a code in one
 // transaction, then read them back in order.
-void BM_RawSqliteSaveLoad(benchmark::State& state)
-{
+void BM_RawSqliteSaveLoad(benchmark::State& state) {
     sqlite3* db = nullptr;
     const QByteArray path = QFile::encodeName(Folder().filePath(QStringLiteral("raw.db")));
     QFile::remove(QString::fromLocal8Bit(path));
@@ -121,10 +115,9 @@ void BM_RawSqliteSaveLoad(benchmark::State& state)
         sqlite3_bind_text(select, 2, "BIG-1", -1, SQLITE_STATIC);
         QList<QPair<QString, QString>> rows;
         while (sqlite3_step(select) == SQLITE_ROW) {
-            rows.append({QString::fromUtf8(
-                             reinterpret_cast<const char*>(sqlite3_column_text(select, 1))),
-                         QString::fromUtf8(
-                             reinterpret_cast<const char*>(sqlite3_column_text(select, 2)))});
+            rows.append(
+                {QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(select, 1))),
+                 QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(select, 2)))});
         }
         sqlite3_reset(select);
         benchmark::DoNotOptimize(rows.size());
@@ -137,8 +130,7 @@ void BM_RawSqliteSaveLoad(benchmark::State& state)
 BENCHMARK(BM_RawSqliteSaveLoad)->Unit(benchmark::kMillisecond);
 
 // What every dialog does: open its own store object on the same file and close it.
-void BM_ModuleStoreOpenClose(benchmark::State& state)
-{
+void BM_ModuleStoreOpenClose(benchmark::State& state) {
     Store();
     const QString path = FreshDatabase(QStringLiteral("open.db"));
     for (auto _ : state) {
@@ -149,8 +141,7 @@ void BM_ModuleStoreOpenClose(benchmark::State& state)
 }
 BENCHMARK(BM_ModuleStoreOpenClose)->Unit(benchmark::kMicrosecond);
 
-void BM_FreshSqliteOpen(benchmark::State& state)
-{
+void BM_FreshSqliteOpen(benchmark::State& state) {
     const QByteArray path = QFile::encodeName(FreshDatabase(QStringLiteral("fresh.db")));
     for (auto _ : state) {
         sqlite3* db = nullptr;
@@ -161,8 +152,7 @@ void BM_FreshSqliteOpen(benchmark::State& state)
 }
 BENCHMARK(BM_FreshSqliteOpen)->Unit(benchmark::kMicrosecond);
 
-void BM_GetHierarchy100k(benchmark::State& state)
-{
+void BM_GetHierarchy100k(benchmark::State& state) {
     Store();
     CKVModuleDB db;
     db.Open(FreshDatabase(QStringLiteral("index.db")));
@@ -191,8 +181,7 @@ void BM_GetHierarchy100k(benchmark::State& state)
 }
 BENCHMARK(BM_GetHierarchy100k)->Unit(benchmark::kMillisecond);
 
-void BM_GetCatalogs10k(benchmark::State& state)
-{
+void BM_GetCatalogs10k(benchmark::State& state) {
     Store();
     CKVModuleDB db;
     db.Open(FreshDatabase(QStringLiteral("catalogs.db")));
@@ -217,8 +206,7 @@ BENCHMARK(BM_GetCatalogs10k)->Unit(benchmark::kMillisecond);
 // Keeps the time of each benchmark so that the ratios can be printed after the run.
 class RatioReporter : public benchmark::ConsoleReporter {
 public:
-    void ReportRuns(const std::vector<Run>& runs) override
-    {
+    void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs) {
             if (run.run_type == Run::RT_Iteration) {
                 m_times[run.benchmark_name()] = run.GetAdjustedRealTime();
@@ -227,8 +215,7 @@ public:
         ConsoleReporter::ReportRuns(runs);
     }
     void printRatio(const char* what, const std::string& ours, const std::string& base,
-                    const char* goal) const
-    {
+                    const char* goal) const {
         const auto a = m_times.find(ours);
         const auto b = m_times.find(base);
         if (a != m_times.end() && b != m_times.end() && b->second > 0) {
@@ -242,8 +229,7 @@ private:
 
 }  // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
     RatioReporter reporter;

@@ -14,7 +14,7 @@
 namespace {
 std::unique_ptr<CMBApplet> g_applet;
 std::unique_ptr<QtMessageSink> g_messageBoxes;
-}
+}  // namespace
 
 // The plug-in's one entry point. Attach loads the resource library beside the plug-in
 // and refuses the load without it; detach releases it.

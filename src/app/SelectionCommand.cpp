@@ -6,11 +6,11 @@
 
 #include <QApplication>
 
-bool RunSelectionDialog(const SelectionArgs& args, HostValue& result)
-{
+bool RunSelectionDialog(const SelectionArgs& args, HostValue& result) {
     if (!qobject_cast<QApplication*>(QCoreApplication::instance())) {
-        Messages::ShowText(QStringLiteral("The module selection needs a display; without one, "
-                                          "plcdb select --catalog gives the same list."));
+        Messages::ShowText(
+            QStringLiteral("The module selection needs a display; without one, "
+                           "plcdb select --catalog gives the same list."));
         return false;
     }
     CMSelDlg dialog;

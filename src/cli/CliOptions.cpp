@@ -167,14 +167,13 @@ QString CliOptions::CommandHelp(const QString& command) {
              "   \"prompts\":[{\"prompt\":\"SLOT\",\"localized\":\"SLOT\"}]}\n"
              "Empty texts are left out of \"spec\" and \"styles\".\n")},
         {QStringLiteral("import"),
-         QStringLiteral(
-             "Usage: plcdb [--db FILE] import IN\n"
-             "\n"
-             "Adds the JSON document IN (\"-\" for standard input), in the form that\n"
-             "export writes, to the database. A missing key reads as an empty text,\n"
-             "and a module's index row is made when it is missing. A catalog number\n"
-             "that exists already in its type is an error; then nothing of the\n"
-             "document is written. Style rows are replaced.\n")},
+         QStringLiteral("Usage: plcdb [--db FILE] import IN\n"
+                        "\n"
+                        "Adds the JSON document IN (\"-\" for standard input), in the form that\n"
+                        "export writes, to the database. A missing key reads as an empty text,\n"
+                        "and a module's index row is made when it is missing. A catalog number\n"
+                        "that exists already in its type is an error; then nothing of the\n"
+                        "document is written. Style rows are replaced.\n")},
     };
     const auto text = texts.constFind(command);
     if (text == texts.constEnd()) {

@@ -17,18 +17,20 @@ namespace {
 constexpr int kFailed = 1;
 constexpr int kUsage = 2;
 
-int Fail(const QString& command, const QString& text, int status = kFailed)
-{
+int Fail(const QString& command, const QString& text, int status = kFailed) {
     std::fprintf(stderr, "plcdb %s: %s\n", qPrintable(command), qPrintable(text));
     return status;
 }
 
-void Print(const QString& text) { std::fputs(text.toUtf8().constData(), stdout); }
+void Print(const QString& text) {
+    std::fputs(text.toUtf8().constData(), stdout);
+}
 
-QString Indented(int depth, const QString& text) { return QString(depth * 2, u' ') + text + u'\n'; }
+QString Indented(int depth, const QString& text) {
+    return QString(depth * 2, u' ') + text + u'\n';
+}
 
-bool ReadInput(const QString& name, QByteArray& data, QString* error)
-{
+bool ReadInput(const QString& name, QByteArray& data, QString* error) {
     QFile file;
     const bool opened = name == QStringLiteral("-")
                             ? file.open(stdin, QIODevice::ReadOnly)
@@ -41,8 +43,7 @@ bool ReadInput(const QString& name, QByteArray& data, QString* error)
     return true;
 }
 
-bool WriteOutput(const QString& name, const QByteArray& data, QString* error)
-{
+bool WriteOutput(const QString& name, const QByteArray& data, QString* error) {
     if (name.isEmpty() || name == QStringLiteral("-")) {
         std::fwrite(data.constData(), 1, size_t(data.size()), stdout);
         return true;
@@ -58,8 +59,7 @@ bool WriteOutput(const QString& name, const QByteArray& data, QString* error)
 
 }  // namespace
 
-int RunInitCommand(const CliOptions& options)
-{
+int RunInitCommand(const CliOptions& options) {
     if (options.arguments.size() != 1) {
         return Fail(QStringLiteral("init"), QStringLiteral("give the file to create"), kUsage);
     }
@@ -70,8 +70,7 @@ int RunInitCommand(const CliOptions& options)
     return 0;
 }
 
-int RunListCommand(const CliOptions& options)
-{
+int RunListCommand(const CliOptions& options) {
     DatabaseSession session;
     QString error;
     if (!session.open(options, &error)) {
@@ -100,8 +99,7 @@ int RunListCommand(const CliOptions& options)
     return 0;
 }
 
-int RunExportCommand(const CliOptions& options)
-{
+int RunExportCommand(const CliOptions& options) {
     if (options.arguments.size() > 1) {
         return Fail(QStringLiteral("export"), QStringLiteral("give at most one output file"),
                     kUsage);
@@ -120,8 +118,7 @@ int RunExportCommand(const CliOptions& options)
     return 0;
 }
 
-int RunImportCommand(const CliOptions& options)
-{
+int RunImportCommand(const CliOptions& options) {
     if (options.arguments.size() != 1) {
         return Fail(QStringLiteral("import"), QStringLiteral("give the document to import"),
                     kUsage);

@@ -5,16 +5,16 @@
 
 #include <QFile>
 
-DatabaseSession::DatabaseSession() { ZelPlcDbIO::SetInstance(&m_store); }
+DatabaseSession::DatabaseSession() {
+    ZelPlcDbIO::SetInstance(&m_store);
+}
 
-DatabaseSession::~DatabaseSession()
-{
+DatabaseSession::~DatabaseSession() {
     m_db.Close();
     ZelPlcDbIO::SetInstance(nullptr);
 }
 
-bool DatabaseSession::open(const CliOptions& options, QString* error)
-{
+bool DatabaseSession::open(const CliOptions& options, QString* error) {
     QString path = options.database;
     if (path.isEmpty()) {
         if (!m_host.startHost(options, error)) {

@@ -27,14 +27,12 @@ struct SelectOptions {
     bool headless() const { return !catalog.isEmpty(); }
 };
 
-int Fail(const QString& text, int status)
-{
+int Fail(const QString& text, int status) {
     std::fprintf(stderr, "plcdb select: %s\n", qPrintable(text));
     return status;
 }
 
-bool ParseSelectOptions(const QStringList& args, SelectOptions& out, QString& error)
-{
+bool ParseSelectOptions(const QStringList& args, SelectOptions& out, QString& error) {
     for (qsizetype i = 0; i < args.size(); ++i) {
         const QString& arg = args[i];
         const auto value = [&](QString& target) {
@@ -96,23 +94,21 @@ bool ParseSelectOptions(const QStringList& args, SelectOptions& out, QString& er
     return true;
 }
 
-void PrintAnswer(const HostValue& chain)
-{
+void PrintAnswer(const HostValue& chain) {
     // The host hands the Lisp side the chain as one list.
     const HostValue list = HostValue().begin().append(chain).end();
     std::printf("%s\n", LispText::Print(list).toUtf8().constData());
 }
 
-int SelectWithoutDialog(const CliOptions& options, const SelectOptions& select)
-{
+int SelectWithoutDialog(const CliOptions& options, const SelectOptions& select) {
     DatabaseSession session;
     QString error;
     if (!session.open(options, &error)) {
         return Fail(error, kCancelled);
     }
     CatalogPath path;
-    if (!FindCatalog(session.db(), select.manufacturer, select.series, select.type,
-                     select.catalog, path)) {
+    if (!FindCatalog(session.db(), select.manufacturer, select.series, select.type, select.catalog,
+                     path)) {
         return Fail(QStringLiteral("no catalog %1 under %2 / %3 / %4")
                         .arg(select.catalog, select.manufacturer, select.series, select.type),
                     kCancelled);
@@ -126,8 +122,8 @@ int SelectWithoutDialog(const CliOptions& options, const SelectOptions& select)
     module.SetManufacturer(path.manufacturer);
     module.SetTableName(path.table);
     HostValue answer;
-    if (!BuildSelectionAnswer(module, &session.db(), select.style, select.groupB,
-                              select.horizontal, select.scale, select.extra, answer)) {
+    if (!BuildSelectionAnswer(module, &session.db(), select.style, select.groupB, select.horizontal,
+                              select.scale, select.extra, answer)) {
         std::printf("nil\n");
         return kCancelled;
     }
@@ -135,8 +131,7 @@ int SelectWithoutDialog(const CliOptions& options, const SelectOptions& select)
     return 0;
 }
 
-int SelectWithDialog(const CliOptions& options, const SelectOptions& select)
-{
+int SelectWithDialog(const CliOptions& options, const SelectOptions& select) {
     HostSession session;
     QString error;
     if (!session.start(options, &error)) {
@@ -165,8 +160,7 @@ int SelectWithDialog(const CliOptions& options, const SelectOptions& select)
 
 }  // namespace
 
-int RunSelectCommand(const CliOptions& options, bool hasDisplay)
-{
+int RunSelectCommand(const CliOptions& options, bool hasDisplay) {
     SelectOptions select;
     QString error;
     if (!ParseSelectOptions(options.arguments, select, error)) {

@@ -18,14 +18,12 @@ namespace {
 constexpr int kStartFailed = 1;
 constexpr int kUsageError = 2;
 
-int Fail(const QString& text, int status)
-{
+int Fail(const QString& text, int status) {
     std::fprintf(stderr, "plcdb: %s\n", qPrintable(text));
     return status;
 }
 
-bool MayShowDialogs(const QString& command)
-{
+bool MayShowDialogs(const QString& command) {
     return command == QStringLiteral("call") || command == QStringLiteral("select");
 }
 
@@ -33,17 +31,18 @@ bool MayShowDialogs(const QString& command)
 // reached Qt falls back on the offscreen platform, which counts as no display unless
 // the user asked for it.
 std::unique_ptr<QCoreApplication> MakeApplication(int& argc, char** argv, bool wantGui,
-                                                  bool& hasDisplay)
-{
+                                                  bool& hasDisplay) {
     hasDisplay = false;
     if (!wantGui) {
         return std::make_unique<QCoreApplication>(argc, argv);
     }
     const bool platformGiven = qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    const bool wayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+    if (!platformGiven && !wayland && !qEnvironmentVariableIsSet("DISPLAY")) {
+        return std::make_unique<QCoreApplication>(argc, argv);
+    }
     if (!platformGiven) {
-        qputenv("QT_QPA_PLATFORM", qEnvironmentVariableIsSet("WAYLAND_DISPLAY")
-                                       ? "wayland;xcb;offscreen"
-                                       : "xcb;offscreen");
+        qputenv("QT_QPA_PLATFORM", wayland ? "wayland;xcb;offscreen" : "xcb;offscreen");
     }
     auto app = std::make_unique<QApplication>(argc, argv);
     hasDisplay = platformGiven || QGuiApplication::platformName() != QStringLiteral("offscreen");
@@ -57,8 +56,7 @@ std::unique_ptr<QCoreApplication> MakeApplication(int& argc, char** argv, bool w
 
 }  // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     QStringList args;
     for (int i = 1; i < argc; ++i) {
         args << QString::fromLocal8Bit(argv[i]);
@@ -70,8 +68,7 @@ int main(int argc, char** argv)
     }
     bool hasDisplay = false;
     const std::unique_ptr<QCoreApplication> app =
-        MakeApplication(argc, argv, MayShowDialogs(options.command) && !options.help,
-                        hasDisplay);
+        MakeApplication(argc, argv, MayShowDialogs(options.command) && !options.help, hasDisplay);
     QCoreApplication::setApplicationName(QStringLiteral("plcdb"));
 
     if (options.command.isEmpty()) {

@@ -12,8 +12,7 @@ CGetStringDlg::CGetStringDlg(QWidget* parent)
     : QDialog(parent),
       m_stcPrompt(new QLabel(this)),
       m_edtValue(new QLineEdit(this)),
-      m_btnOK(nullptr)
-{
+      m_btnOK(nullptr) {
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     m_btnOK = buttons->button(QDialogButtonBox::Ok);
     SetControlId(m_stcPrompt, kIdPrompt);
@@ -30,41 +29,38 @@ CGetStringDlg::CGetStringDlg(QWidget* parent)
     UpdateOk();
 }
 
-void CGetStringDlg::SetTitle(const QString& title)
-{
+void CGetStringDlg::SetTitle(const QString& title) {
     if (!title.isNull()) {
         m_strTitle = title;
         setWindowTitle(title);
     }
 }
 
-void CGetStringDlg::SetPrompt(const QString& prompt)
-{
+void CGetStringDlg::SetPrompt(const QString& prompt) {
     if (!prompt.isNull()) {
         m_strPrompt = prompt;
         m_stcPrompt->setText(prompt);
     }
 }
 
-void CGetStringDlg::SetValue(const QString& value)
-{
+void CGetStringDlg::SetValue(const QString& value) {
     if (!value.isNull()) {
         m_strValue = value;
         m_edtValue->setText(value);
     }
 }
 
-void CGetStringDlg::showEvent(QShowEvent* event)
-{
+void CGetStringDlg::showEvent(QShowEvent* event) {
     m_edtValue->selectAll();
     m_edtValue->setFocus();
     QDialog::showEvent(event);
 }
 
-void CGetStringDlg::UpdateOk() { m_btnOK->setEnabled(!m_edtValue->text().isEmpty()); }
+void CGetStringDlg::UpdateOk() {
+    m_btnOK->setEnabled(!m_edtValue->text().isEmpty());
+}
 
-void CGetStringDlg::accept()
-{
+void CGetStringDlg::accept() {
     m_strValue = m_edtValue->text();
     QDialog::accept();
 }

@@ -2,8 +2,7 @@
 
 #include <QScrollBar>
 
-CMScrollListBox::CMScrollListBox(QWidget* parent) : QListWidget(parent)
-{
+CMScrollListBox::CMScrollListBox(QWidget* parent) : QListWidget(parent) {
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this] {
         const int top = TopIndex();
         if (top >= 0) {
@@ -12,8 +11,7 @@ CMScrollListBox::CMScrollListBox(QWidget* parent) : QListWidget(parent)
     });
 }
 
-int CMScrollListBox::TopIndex() const
-{
+int CMScrollListBox::TopIndex() const {
     if (count() == 0) {
         return -1;
     }

@@ -40,8 +40,7 @@ const char* const kPromptCountFile = "Prompt_Strings_and_Count_A.txt";
 const char* const kPromptFileFile = "Prompt_Strings_File_Name.txt";
 
 // Appends lines to a report file in the current folder.
-void AppendLines(const QString& file, const QStringList& lines)
-{
+void AppendLines(const QString& file, const QStringList& lines) {
     ZelStdioFileEx out;
     if (!out.Open(file, ZelStdioFileEx::modeWrite | ZelStdioFileEx::modeCreate |
                             ZelStdioFileEx::modeNoTruncate | ZelStdioFileEx::typeText)) {
@@ -56,12 +55,13 @@ void AppendLines(const QString& file, const QStringList& lines)
 
 }  // namespace
 
-CMSelDlg::CMSelDlg(QWidget* parent) : QDialog(parent) { BuildControls(); }
+CMSelDlg::CMSelDlg(QWidget* parent) : QDialog(parent) {
+    BuildControls();
+}
 
 CMSelDlg::~CMSelDlg() = default;
 
-void CMSelDlg::BuildControls()
-{
+void CMSelDlg::BuildControls() {
     setWindowTitle(LoadResString(5000));
     m_tree = new CModuleTree(this);
     m_lstCatalogs = new QTreeWidget(this);
@@ -75,9 +75,8 @@ void CMSelDlg::BuildControls()
     m_btnExtract = new QPushButton(tr("PLC Data..."), this);
     m_stcDbPath = new QLabel(this);
     m_stcTable = new QLabel(this);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |
-                                             QDialogButtonBox::Help,
-                                         this);
+    auto* buttons = new QDialogButtonBox(
+        QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::Help, this);
     m_btnOK = buttons->button(QDialogButtonBox::Ok);
     auto* report = new QPushButton(tr("Prompt Report"), this);
 
@@ -156,10 +155,10 @@ void CMSelDlg::BuildControls()
     connect(m_lstCatalogs, &QTreeWidget::itemSelectionChanged, this, &CMSelDlg::UpdateOK);
     connect(m_lstCatalogs, &QTreeWidget::itemDoubleClicked, this, &CMSelDlg::OnListDoubleClick);
     connect(m_cboScale, &QComboBox::editTextChanged, this, &CMSelDlg::UpdateOK);
-    connect(m_styles, &QButtonGroup::idClicked, this, [this](int index) {
-        ShowPreview(index + 1, m_btnHorizontal->isChecked() ? 1 : 2);
-    });
-    connect(m_btnVertical, &QRadioButton::clicked, this, [this] { ShowPreview(CheckedStyle(), 2); });
+    connect(m_styles, &QButtonGroup::idClicked, this,
+            [this](int index) { ShowPreview(index + 1, m_btnHorizontal->isChecked() ? 1 : 2); });
+    connect(m_btnVertical, &QRadioButton::clicked, this,
+            [this] { ShowPreview(CheckedStyle(), 2); });
     connect(m_btnHorizontal, &QRadioButton::clicked, this,
             [this] { ShowPreview(CheckedStyle(), 1); });
     connect(m_btnExtract, &QPushButton::clicked, this, [this] {
@@ -171,30 +170,37 @@ void CMSelDlg::BuildControls()
     connect(report, &QPushButton::clicked, this, &CMSelDlg::OnPromptReport);
 }
 
-void CMSelDlg::SetDbPath(const QString& path)
-{
+void CMSelDlg::SetDbPath(const QString& path) {
     if (!path.isNull()) {
         m_strDbPath = path;
     }
 }
 
-void CMSelDlg::SetExtraFlag(bool bExtra) { m_nExtraFlag = bExtra; }
-void CMSelDlg::SetOrientation(int orientation) { m_nOrientation = orientation; }
+void CMSelDlg::SetExtraFlag(bool bExtra) {
+    m_nExtraFlag = bExtra;
+}
+void CMSelDlg::SetOrientation(int orientation) {
+    m_nOrientation = orientation;
+}
 
-void CMSelDlg::SetScale(double scale) { m_strScale = HostRealToString(scale, 2, -1); }
+void CMSelDlg::SetScale(double scale) {
+    m_strScale = HostRealToString(scale, 2, -1);
+}
 
-void CMSelDlg::SetStyle(int style)
-{
+void CMSelDlg::SetStyle(int style) {
     if (style >= 1 && style <= kStyleCount) {
         m_nStyleIndex = style - 1;
     }
 }
 
-void CMSelDlg::SetLockStyle(bool bLock) { m_bLockStyle = bLock; }
-void CMSelDlg::SetBoxGroupB(bool bGroupB) { m_bBoxGroupB = bGroupB; }
+void CMSelDlg::SetLockStyle(bool bLock) {
+    m_bLockStyle = bLock;
+}
+void CMSelDlg::SetBoxGroupB(bool bGroupB) {
+    m_bBoxGroupB = bGroupB;
+}
 
-void CMSelDlg::showEvent(QShowEvent* event)
-{
+void CMSelDlg::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!m_bInited && !OnInitDialog()) {
         // Cancelled from inside the start-up: leave once the dialog's loop runs.
@@ -202,8 +208,7 @@ void CMSelDlg::showEvent(QShowEvent* event)
     }
 }
 
-bool CMSelDlg::OnInitDialog()
-{
+bool CMSelDlg::OnInitDialog() {
     m_bInited = true;
     if (QAbstractButton* style = m_styles->button(m_nStyleIndex)) {
         style->setChecked(true);
@@ -244,8 +249,7 @@ bool CMSelDlg::OnInitDialog()
     return true;
 }
 
-void CMSelDlg::ApplyLock()
-{
+void CMSelDlg::ApplyLock() {
     if (!m_bLockStyle) {
         return;
     }
@@ -258,18 +262,16 @@ void CMSelDlg::ApplyLock()
     m_btnHorizontal->setEnabled(false);
 }
 
-int CMSelDlg::CheckedStyle() const
-{
+int CMSelDlg::CheckedStyle() const {
     const int index = m_styles->checkedId();
     return index >= 0 ? index + 1 : 1;
 }
 
-void CMSelDlg::ShowPreview(int style, int orientation)
-{
+void CMSelDlg::ShowPreview(int style, int orientation) {
     if (style < 1 || style > kStyleCount) {
         return;
     }
-    const QString suffix = orientation == 1 ? QStringLiteral("h")
+    const QString suffix = orientation == 1   ? QStringLiteral("h")
                            : orientation == 2 ? QStringLiteral("v")
                                               : QString();
     QString file = QStringLiteral("style%1%2.bmp").arg(style).arg(suffix);
@@ -284,8 +286,7 @@ void CMSelDlg::ShowPreview(int style, int orientation)
     m_stcPreview->setPixmap(m_preview.pixmap());
 }
 
-bool CMSelDlg::UpdateOK()
-{
+bool CMSelDlg::UpdateOK() {
     const bool enable = m_lstCatalogs->topLevelItemCount() > 0 &&
                         !m_cboScale->currentText().isEmpty() &&
                         !m_lstCatalogs->selectedItems().isEmpty();
@@ -293,16 +294,14 @@ bool CMSelDlg::UpdateOK()
     return enable;
 }
 
-void CMSelDlg::AddModuleRow(const CKVModule& module)
-{
+void CMSelDlg::AddModuleRow(const CKVModule& module) {
     auto* row = new QTreeWidgetItem(QStringList{module.GetCatalog(), module.GetColText1(),
                                                 module.GetColText2(), module.GetColText3(),
                                                 module.GetDescription()});
     m_lstCatalogs->addTopLevelItem(row);
 }
 
-void CMSelDlg::OnTreeSelectionChanged(QTreeWidgetItem* item)
-{
+void CMSelDlg::OnTreeSelectionChanged(QTreeWidgetItem* item) {
     m_lstCatalogs->clear();
     const quint32 data = CModuleTree::ItemData(item);
     if (!item || data == 0) {
@@ -331,28 +330,24 @@ void CMSelDlg::OnTreeSelectionChanged(QTreeWidgetItem* item)
     UpdateOK();
 }
 
-void CMSelDlg::PostOk()
-{
+void CMSelDlg::PostOk() {
     QMetaObject::invokeMethod(this, &CMSelDlg::OnOK, Qt::QueuedConnection);
 }
 
-void CMSelDlg::OnListDoubleClick()
-{
+void CMSelDlg::OnListDoubleClick() {
     if (UpdateOK()) {
         PostOk();
     }
 }
 
-void CMSelDlg::OnTreeDoubleClick(QTreeWidgetItem* item)
-{
+void CMSelDlg::OnTreeDoubleClick(QTreeWidgetItem* item) {
     // Double clicks on a manufacturer, series or type never confirm.
     if (CModuleTree::IsCatalogData(CModuleTree::ItemData(item)) && UpdateOK()) {
         PostOk();
     }
 }
 
-void CMSelDlg::OnOK()
-{
+void CMSelDlg::OnOK() {
     m_nStyleIndex = CheckedStyle() - 1;
     m_strScale = m_cboScale->currentText();
     m_nExtraFlag = m_chkExtra->isChecked();
@@ -393,8 +388,7 @@ void CMSelDlg::OnOK()
     accept();
 }
 
-void CMSelDlg::OnPromptReport()
-{
+void CMSelDlg::OnPromptReport() {
     QTreeWidgetItem* root = m_tree->topLevelItemCount() ? m_tree->topLevelItem(0) : nullptr;
     if (!root || root->childCount() == 0) {
         return;
@@ -433,8 +427,7 @@ void CMSelDlg::OnPromptReport()
                        QString::fromLatin1(kPromptCountFile));
 }
 
-void CMSelDlg::keyPressEvent(QKeyEvent* event)
-{
+void CMSelDlg::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_F1) {
         HostHelp(QString(), QStringLiteral("plc_selection"), 0);
         event->accept();

@@ -10,8 +10,7 @@
 #include <QVBoxLayout>
 
 CModPreviewDlg::CModPreviewDlg(QWidget* parent)
-    : QDialog(parent), m_preview(new SheetPreview(this))
-{
+    : QDialog(parent), m_preview(new SheetPreview(this)) {
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
     m_btnOK = buttons->button(QDialogButtonBox::Ok);
     SetControlId(m_preview, kIdPreview);
@@ -23,22 +22,19 @@ CModPreviewDlg::CModPreviewDlg(QWidget* parent)
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
 }
 
-void CModPreviewDlg::SetTitle(const QString& title)
-{
+void CModPreviewDlg::SetTitle(const QString& title) {
     if (!title.isNull()) {
         m_strTitle = title;
     }
 }
 
-void CModPreviewDlg::SetFile(const QString& file)
-{
+void CModPreviewDlg::SetFile(const QString& file) {
     if (!file.isNull()) {
         m_strFile = file;
     }
 }
 
-bool CModPreviewDlg::OnInitDialog()
-{
+bool CModPreviewDlg::OnInitDialog() {
     m_bInited = true;
     if (!m_preview->SetFile(m_strFile)) {
         return false;
@@ -50,16 +46,14 @@ bool CModPreviewDlg::OnInitDialog()
     return true;
 }
 
-void CModPreviewDlg::showEvent(QShowEvent* event)
-{
+void CModPreviewDlg::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!m_bInited && !OnInitDialog()) {
         QTimer::singleShot(0, this, &QDialog::reject);
     }
 }
 
-void CModPreviewDlg::keyPressEvent(QKeyEvent* event)
-{
+void CModPreviewDlg::keyPressEvent(QKeyEvent* event) {
     // The help key has no page here: it is taken and nothing happens.
     if (event->key() == Qt::Key_F1) {
         event->accept();

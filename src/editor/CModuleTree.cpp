@@ -18,8 +18,14 @@
 
 namespace {
 
-enum Level { kNoLevel = -1, kLevelRoot, kLevelManufacturer, kLevelSeries, kLevelType,
-             kLevelCatalog };
+enum Level {
+    kNoLevel = -1,
+    kLevelRoot,
+    kLevelManufacturer,
+    kLevelSeries,
+    kLevelType,
+    kLevelCatalog
+};
 
 constexpr int kDataRole = Qt::UserRole;
 constexpr int kShortNameLimit = 24;  // manufacturer and series
@@ -37,8 +43,7 @@ public:
     int limit = 0;
 
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
-                          const QModelIndex& index) const override
-    {
+                          const QModelIndex& index) const override {
         QWidget* editor = QStyledItemDelegate::createEditor(parent, option, index);
         if (auto* line = qobject_cast<QLineEdit*>(editor); line && limit > 0) {
             line->setMaxLength(limit);
@@ -48,16 +53,14 @@ public:
     void setModelData(QWidget*, QAbstractItemModel*, const QModelIndex&) const override {}
 };
 
-QString EditorText(QWidget* editor)
-{
+QString EditorText(QWidget* editor) {
     auto* line = qobject_cast<QLineEdit*>(editor);
     return line ? line->text() : QString();
 }
 
 }  // namespace
 
-CModuleTree::CModuleTree(QWidget* parent) : QTreeWidget(parent)
-{
+CModuleTree::CModuleTree(QWidget* parent) : QTreeWidget(parent) {
     setHeaderHidden(true);
     setColumnCount(1);
     setSelectionMode(QAbstractItemView::SingleSelection);
@@ -65,20 +68,19 @@ CModuleTree::CModuleTree(QWidget* parent) : QTreeWidget(parent)
     setItemDelegate(new LabelDelegate(this));
 }
 
-CModuleTree::~CModuleTree() { m_db.Close(); }
+CModuleTree::~CModuleTree() {
+    m_db.Close();
+}
 
-quint32 CModuleTree::ItemData(const QTreeWidgetItem* item)
-{
+quint32 CModuleTree::ItemData(const QTreeWidgetItem* item) {
     return item ? item->data(0, kDataRole).toUInt() : 0;
 }
 
-void CModuleTree::SetItemData(QTreeWidgetItem* item, quint32 data)
-{
+void CModuleTree::SetItemData(QTreeWidgetItem* item, quint32 data) {
     item->setData(0, kDataRole, data);
 }
 
-int CModuleTree::Level(const QTreeWidgetItem* item) const
-{
+int CModuleTree::Level(const QTreeWidgetItem* item) const {
     const quint32 data = ItemData(item);
     switch (data) {
         case kRootData:
@@ -94,8 +96,7 @@ int CModuleTree::Level(const QTreeWidgetItem* item) const
     }
 }
 
-int CModuleTree::SetDatabasePath(const QString& path)
-{
+int CModuleTree::SetDatabasePath(const QString& path) {
     if (path.isNull()) {
         return 1;
     }
@@ -104,8 +105,7 @@ int CModuleTree::SetDatabasePath(const QString& path)
 }
 
 QTreeWidgetItem* CModuleTree::AppendChild(QTreeWidgetItem* parent, const QString& text,
-                                          quint32 data)
-{
+                                          quint32 data) {
     auto* item = new QTreeWidgetItem(QStringList{text});
     item->setFlags(item->flags() | Qt::ItemIsEditable);
     SetItemData(item, data);
@@ -117,8 +117,7 @@ QTreeWidgetItem* CModuleTree::AppendChild(QTreeWidgetItem* parent, const QString
     return item;
 }
 
-int CModuleTree::FillTree()
-{
+int CModuleTree::FillTree() {
     if (m_strDbPath.isEmpty()) {
         QString found;
         if (!FindDatabaseFile(found)) {
@@ -135,8 +134,7 @@ int CModuleTree::FillTree()
     if (m_db.GetHierarchy(hierarchy)) {
         QTreeWidgetItem* root = AppendChild(nullptr, LoadResString(4027), kRootData);
         for (const _manfams& manufacturer : hierarchy) {
-            QTreeWidgetItem* m =
-                AppendChild(root, manufacturer.strManufacturer, kManufacturerData);
+            QTreeWidgetItem* m = AppendChild(root, manufacturer.strManufacturer, kManufacturerData);
             for (const _familytypes& series : manufacturer.families) {
                 QTreeWidgetItem* s = AppendChild(m, series.strSeries, kSeriesData);
                 for (const _typetname& type : series.types) {
@@ -151,8 +149,7 @@ int CModuleTree::FillTree()
 }
 
 bool CModuleTree::GetItemPath(QString& manufacturer, QString& series, QString& type,
-                              QTreeWidgetItem* item, bool bPartial) const
-{
+                              QTreeWidgetItem* item, bool bPartial) const {
     if (!item) {
         item = currentItem();
     }
@@ -182,8 +179,7 @@ bool CModuleTree::GetItemPath(QString& manufacturer, QString& series, QString& t
     return true;
 }
 
-bool CModuleTree::GetModuleOfItem(CKVModule& module, QTreeWidgetItem* item, bool bNoTerms)
-{
+bool CModuleTree::GetModuleOfItem(CKVModule& module, QTreeWidgetItem* item, bool bNoTerms) {
     if (!item) {
         return false;
     }
@@ -204,13 +200,11 @@ bool CModuleTree::GetModuleOfItem(CKVModule& module, QTreeWidgetItem* item, bool
     return true;
 }
 
-bool CModuleTree::GetSelectedModule(CKVModule& module)
-{
+bool CModuleTree::GetSelectedModule(CKVModule& module) {
     return GetModuleOfItem(module, currentItem(), false);
 }
 
-bool CModuleTree::GetSelectedTable(QString& table, QString& text)
-{
+bool CModuleTree::GetSelectedTable(QString& table, QString& text) {
     QString manufacturer, series, type;
     QTreeWidgetItem* item = currentItem();
     if (!GetItemPath(manufacturer, series, type, item, false) || !m_db.IsOpen() ||
@@ -221,8 +215,7 @@ bool CModuleTree::GetSelectedTable(QString& table, QString& text)
     return true;
 }
 
-bool CModuleTree::GetTableOfItem(QString& table, QTreeWidgetItem* item)
-{
+bool CModuleTree::GetTableOfItem(QString& table, QTreeWidgetItem* item) {
     QString manufacturer, series, type;
     if (!GetItemPath(manufacturer, series, type, item, false) || manufacturer.isEmpty() ||
         series.isEmpty() || type.isEmpty()) {
@@ -231,8 +224,7 @@ bool CModuleTree::GetTableOfItem(QString& table, QTreeWidgetItem* item)
     return m_db.GetTypeTableName(manufacturer, series, type, table);
 }
 
-bool CModuleTree::ExpandType(QTreeWidgetItem* item)
-{
+bool CModuleTree::ExpandType(QTreeWidgetItem* item) {
     if (Level(item) != kLevelType || item->childCount() > 0) {
         return true;
     }
@@ -261,8 +253,7 @@ bool CModuleTree::ExpandType(QTreeWidgetItem* item)
     return true;
 }
 
-void CModuleTree::currentChanged(const QModelIndex& current, const QModelIndex& previous)
-{
+void CModuleTree::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     QTreeWidget::currentChanged(current, previous);
     if (m_bReverting) {
         return;
@@ -280,8 +271,7 @@ void CModuleTree::currentChanged(const QModelIndex& current, const QModelIndex& 
     emit moduleSelectionChanged(item);
 }
 
-QTreeWidgetItem* CModuleTree::FindChild(QTreeWidgetItem* parent, const QString& text) const
-{
+QTreeWidgetItem* CModuleTree::FindChild(QTreeWidgetItem* parent, const QString& text) const {
     for (int i = 0; parent && i < parent->childCount(); ++i) {
         if (parent->child(i)->text(0).compare(text, Qt::CaseInsensitive) == 0) {
             return parent->child(i);
@@ -291,8 +281,7 @@ QTreeWidgetItem* CModuleTree::FindChild(QTreeWidgetItem* parent, const QString& 
 }
 
 QTreeWidgetItem* CModuleTree::FindItem(const QString& manufacturer, const QString& series,
-                                       const QString& type, const QString& catalog)
-{
+                                       const QString& type, const QString& catalog) {
     QTreeWidgetItem* root = Root();
     if (!root || manufacturer.isNull() || series.isNull() || type.isNull() || catalog.isNull()) {
         return nullptr;
@@ -324,8 +313,7 @@ QTreeWidgetItem* CModuleTree::FindItem(const QString& manufacturer, const QStrin
 }
 
 bool CModuleTree::SelectModule(const QString& manufacturer, const QString& series,
-                               const QString& type, const QString& catalog)
-{
+                               const QString& type, const QString& catalog) {
     QTreeWidgetItem* item = FindItem(manufacturer, series, type, catalog);
     if (!item) {
         return false;
@@ -335,8 +323,7 @@ bool CModuleTree::SelectModule(const QString& manufacturer, const QString& serie
 }
 
 bool CModuleTree::AddModuleItem(const QString& manufacturer, const QString& series,
-                                const QString& type, const QString& catalog)
-{
+                                const QString& type, const QString& catalog) {
     if (manufacturer.isEmpty() || series.isEmpty() || type.isEmpty() || catalog.isEmpty() ||
         !Root()) {
         return false;
@@ -361,18 +348,20 @@ bool CModuleTree::AddModuleItem(const QString& manufacturer, const QString& seri
     return true;
 }
 
-bool CModuleTree::IsEditingLabel() const { return state() == QAbstractItemView::EditingState; }
+bool CModuleTree::IsEditingLabel() const {
+    return state() == QAbstractItemView::EditingState;
+}
 
-void CModuleTree::EndLabelEdit() { setFocus(); }
+void CModuleTree::EndLabelEdit() {
+    setFocus();
+}
 
-void CModuleTree::CancelLabelEdit()
-{
+void CModuleTree::CancelLabelEdit() {
     m_bEditCancelled = true;
     setFocus();
 }
 
-bool CModuleTree::BeginLabelEdit(QTreeWidgetItem* item)
-{
+bool CModuleTree::BeginLabelEdit(QTreeWidgetItem* item) {
     m_bEditCancelled = false;
     const int level = Level(item);
     if (!item || level == kLevelRoot) {
@@ -380,15 +369,14 @@ bool CModuleTree::BeginLabelEdit(QTreeWidgetItem* item)
     }
     auto* delegate = static_cast<LabelDelegate*>(itemDelegate());
     delegate->limit = (level == kLevelManufacturer || level == kLevelSeries) ? kShortNameLimit
-                      : level == kLevelType                                ? kTypeNameLimit
-                                                                           : 0;
+                      : level == kLevelType                                  ? kTypeNameLimit
+                                                                             : 0;
     m_strEditOld = item->text(0);
     m_editItem = item;
     return true;
 }
 
-bool CModuleTree::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event)
-{
+bool CModuleTree::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) {
     if (trigger != QAbstractItemView::AllEditTriggers && !m_bEditMode) {
         return false;
     }
@@ -401,15 +389,13 @@ bool CModuleTree::edit(const QModelIndex& index, EditTrigger trigger, QEvent* ev
     return QTreeWidget::edit(index, trigger, event);
 }
 
-void CModuleTree::commitData(QWidget* editor)
-{
+void CModuleTree::commitData(QWidget* editor) {
     if (m_editItem) {
         FinishLabelEdit(EditorText(editor), m_bEditCancelled);
     }
 }
 
-void CModuleTree::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint)
-{
+void CModuleTree::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
     if (m_editItem) {
         // Closed without a commit: the edit was cancelled.
         FinishLabelEdit(QString(), true);
@@ -418,8 +404,7 @@ void CModuleTree::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHin
     QTreeWidget::closeEditor(editor, QAbstractItemDelegate::NoHint);
 }
 
-void CModuleTree::FinishLabelEdit(const QString& text, bool bCancelled)
-{
+void CModuleTree::FinishLabelEdit(const QString& text, bool bCancelled) {
     QTreeWidgetItem* item = m_editItem;
     m_editItem = nullptr;
     const QString newText = text.trimmed();
@@ -437,8 +422,7 @@ void CModuleTree::FinishLabelEdit(const QString& text, bool bCancelled)
     RenameOrAdd(item, newText);
 }
 
-void CModuleTree::RemoveLater(QTreeWidgetItem* item)
-{
+void CModuleTree::RemoveLater(QTreeWidgetItem* item) {
     // The editor of the item is still closing; the item goes once it has.
     const QPersistentModelIndex index(indexFromItem(item));
     QMetaObject::invokeMethod(
@@ -451,8 +435,7 @@ void CModuleTree::RemoveLater(QTreeWidgetItem* item)
         Qt::QueuedConnection);
 }
 
-void CModuleTree::mousePressEvent(QMouseEvent* event)
-{
+void CModuleTree::mousePressEvent(QMouseEvent* event) {
     // A right click opens the context menu on the item under it, and selects nothing.
     if (event->button() == Qt::RightButton) {
         event->accept();
@@ -461,8 +444,7 @@ void CModuleTree::mousePressEvent(QMouseEvent* event)
     QTreeWidget::mousePressEvent(event);
 }
 
-void CModuleTree::RenameOrAdd(QTreeWidgetItem* item, const QString& newText)
-{
+void CModuleTree::RenameOrAdd(QTreeWidgetItem* item, const QString& newText) {
     const QString& old = m_strEditOld;
     const bool bNew = old.isEmpty();
     QString manufacturer, series, type;
@@ -518,8 +500,7 @@ void CModuleTree::RenameOrAdd(QTreeWidgetItem* item, const QString& newText)
     item->setText(0, newText);
 }
 
-void CModuleTree::contextMenuEvent(QContextMenuEvent* event)
-{
+void CModuleTree::contextMenuEvent(QContextMenuEvent* event) {
     QTreeWidgetItem* item = itemAt(event->pos());
     if (!item || !m_bEditMode) {
         return;
@@ -550,8 +531,7 @@ void CModuleTree::contextMenuEvent(QContextMenuEvent* event)
     }
 }
 
-void CModuleTree::OnCommand(int command)
-{
+void CModuleTree::OnCommand(int command) {
     switch (command) {
         case kCmdCut:
             OnCut();
@@ -576,8 +556,7 @@ void CModuleTree::OnCommand(int command)
     }
 }
 
-void CModuleTree::OnCut()
-{
+void CModuleTree::OnCut() {
     if (Level(m_hContextItem) != kLevelCatalog) {
         return;
     }
@@ -586,8 +565,7 @@ void CModuleTree::OnCut()
     GetItemPath(m_strClipManufacturer, m_strClipSeries, m_strClipType, m_hContextItem, false);
 }
 
-void CModuleTree::OnCopy()
-{
+void CModuleTree::OnCopy() {
     if (Level(m_hContextItem) != kLevelCatalog) {
         return;
     }
@@ -595,8 +573,7 @@ void CModuleTree::OnCopy()
     m_bClipCopy = true;
 }
 
-bool CModuleTree::SelectionLiesIn(QTreeWidgetItem* item) const
-{
+bool CModuleTree::SelectionLiesIn(QTreeWidgetItem* item) const {
     QString manufacturer, series, type;
     QTreeWidgetItem* selected = currentItem();
     if (Level(selected) != kLevelCatalog ||
@@ -623,8 +600,7 @@ bool CModuleTree::SelectionLiesIn(QTreeWidgetItem* item) const
     }
 }
 
-void CModuleTree::OnDelete()
-{
+void CModuleTree::OnDelete() {
     QTreeWidgetItem* item = m_hContextItem;
     const int level = Level(item);
     if (!item || !m_db.IsOpen() || level == kLevelRoot || level == kNoLevel) {
@@ -674,8 +650,7 @@ void CModuleTree::OnDelete()
     delete item;
 }
 
-void CModuleTree::OnRename()
-{
+void CModuleTree::OnRename() {
     if (!m_hContextItem) {
         return;
     }
@@ -683,22 +658,21 @@ void CModuleTree::OnRename()
     editItem(m_hContextItem, 0);
 }
 
-void CModuleTree::OnNew()
-{
+void CModuleTree::OnNew() {
     QTreeWidgetItem* item = m_hContextItem;
     if (!item) {
         return;
     }
     const int level = Level(item);
     if (level == kLevelType || level == kLevelCatalog) {
-        QMetaObject::invokeMethod(this, [this, item] { emit newModuleRequested(item); },
-                                  Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this, item] { emit newModuleRequested(item); }, Qt::QueuedConnection);
         return;
     }
     if (level == kNoLevel) {
         return;
     }
-    const quint32 childData = level == kLevelRoot            ? kManufacturerData
+    const quint32 childData = level == kLevelRoot           ? kManufacturerData
                               : level == kLevelManufacturer ? kSeriesData
                                                             : kTypeData;
     item->setExpanded(true);
@@ -712,8 +686,7 @@ void CModuleTree::OnNew()
     editItem(child, 0);
 }
 
-void CModuleTree::OnPaste()
-{
+void CModuleTree::OnPaste() {
     QTreeWidgetItem* item = m_hContextItem;
     const int level = Level(item);
     if (!m_db.IsOpen() || (level != kLevelType && level != kLevelCatalog)) {
@@ -774,8 +747,7 @@ void CModuleTree::OnPaste()
     m_db.RemoveEntry(m_strClipManufacturer, m_strClipSeries, m_strClipType, m_strClipCatalog);
 }
 
-bool CModuleTree::SaveMru()
-{
+bool CModuleTree::SaveMru() {
     CKVModule module;
     if (!GetModuleOfItem(module, currentItem(), false)) {
         return false;
@@ -797,8 +769,7 @@ bool CModuleTree::SaveMru()
     return true;
 }
 
-void CModuleTree::RestoreMru()
-{
+void CModuleTree::RestoreMru() {
     CRegistryKey key;
     key.SetRootToHCUK();
     if (!key.Open(QString::fromLatin1(kMruKey))) {
@@ -814,8 +785,7 @@ void CModuleTree::RestoreMru()
     }
 }
 
-bool CModuleTree::BuildSelectionList(int style, bool bGroupB, HostValue& out)
-{
+bool CModuleTree::BuildSelectionList(int style, bool bGroupB, HostValue& out) {
     CKVModule module;
     if (!GetModuleOfItem(module, currentItem(), false)) {
         return false;

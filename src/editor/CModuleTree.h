@@ -24,8 +24,14 @@ public:
     static constexpr quint32 kCatalogData = 1;
 
     // Context commands.
-    enum Command { kCmdCut = 206, kCmdCopy = 207, kCmdDelete = 208, kCmdRename = 209,
-                   kCmdNew = 210, kCmdPaste = 222 };
+    enum Command {
+        kCmdCut = 206,
+        kCmdCopy = 207,
+        kCmdDelete = 208,
+        kCmdRename = 209,
+        kCmdNew = 210,
+        kCmdPaste = 222
+    };
 
     // Answers of FillTree.
     enum FillResult { kFilled = 0, kNoDatabase = 2, kCannotOpen = 3 };

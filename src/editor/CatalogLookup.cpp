@@ -4,10 +4,11 @@
 
 namespace {
 
-bool SameName(const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) == 0; }
+bool SameName(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
 
-bool FindInType(CKVModuleDB& db, const QString& table, const QString& catalog, QString& found)
-{
+bool FindInType(CKVModuleDB& db, const QString& table, const QString& catalog, QString& found) {
     QList<_idandcatalognum> catalogs;
     db.GetCatalogs(table, catalogs);
     for (const _idandcatalognum& entry : catalogs) {
@@ -22,8 +23,7 @@ bool FindInType(CKVModuleDB& db, const QString& table, const QString& catalog, Q
 }  // namespace
 
 bool FindCatalog(CKVModuleDB& db, const QString& manufacturer, const QString& series,
-                 const QString& type, const QString& catalog, CatalogPath& found)
-{
+                 const QString& type, const QString& catalog, CatalogPath& found) {
     QList<_manfams> hierarchy;
     if (!db.GetHierarchy(hierarchy)) {
         return false;

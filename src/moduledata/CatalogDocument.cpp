@@ -13,25 +13,24 @@ const char* const kSeries = "series";
 const char* const kType = "type";
 
 // A level name as the index takes it: an empty name means the level is absent.
-QString Level(const QString& name) { return name.isEmpty() ? QString() : name; }
+QString Level(const QString& name) {
+    return name.isEmpty() ? QString() : name;
+}
 
-QJsonObject IndexObject(const QString& manufacturer, const QString& series, const QString& type)
-{
+QJsonObject IndexObject(const QString& manufacturer, const QString& series, const QString& type) {
     return QJsonObject{{QLatin1String(kManufacturer), manufacturer},
                        {QLatin1String(kSeries), series},
                        {QLatin1String(kType), type}};
 }
 
-bool Fail(QString* error, const QString& text)
-{
+bool Fail(QString* error, const QString& text) {
     if (error) {
         *error = text;
     }
     return false;
 }
 
-QJsonObject SpecObject(const ModDB::ModSpecData& spec)
-{
+QJsonObject SpecObject(const ModDB::ModSpecData& spec) {
     QJsonObject object;
     for (int place = 0; place < ModDB::ModSpecData::kFieldCount; ++place) {
         if (place != ModDB::ModSpecData::kReservedPlace && !spec.field(place).isEmpty()) {
@@ -41,8 +40,7 @@ QJsonObject SpecObject(const ModDB::ModSpecData& spec)
     return object;
 }
 
-QJsonArray TerminalArray(const QList<ModDB::ModTermData>& rows)
-{
+QJsonArray TerminalArray(const QList<ModDB::ModTermData>& rows) {
     QJsonArray terminals;
     for (const ModDB::ModTermData& row : rows) {
         terminals.append(QJsonObject{{QStringLiteral("text"), row.Text},
@@ -52,8 +50,7 @@ QJsonArray TerminalArray(const QList<ModDB::ModTermData>& rows)
 }
 
 bool ExportModules(CKVModuleDB& db, const ModDB::IndexData& type, QJsonArray& modules,
-                   QString* error)
-{
+                   QString* error) {
     QList<_idandcatalognum> catalogs;
     if (!db.GetCatalogs(type.TableName, catalogs)) {
         return Fail(error, QStringLiteral("cannot list the modules of %1").arg(type.Type));
@@ -72,8 +69,7 @@ bool ExportModules(CKVModuleDB& db, const ModDB::IndexData& type, QJsonArray& mo
     return true;
 }
 
-QJsonArray ExportStyles(CKVModuleDB& db)
-{
+QJsonArray ExportStyles(CKVModuleDB& db) {
     QJsonArray styles;
     for (int number = 1; number <= kStyleCount; ++number) {
         ModDB::StyleBoxData style;
@@ -91,8 +87,7 @@ QJsonArray ExportStyles(CKVModuleDB& db)
     return styles;
 }
 
-QJsonArray ExportPrompts(CKVModuleDB& db)
-{
+QJsonArray ExportPrompts(CKVModuleDB& db) {
     QJsonArray prompts;
     QList<ModDB::PromptData> rows;
     db.GetPromptRows(rows);
@@ -130,8 +125,7 @@ private:
 };
 
 bool DocumentReader::text(const QJsonObject& object, const char* key, const QString& where,
-                          QString& out)
-{
+                          QString& out) {
     const QJsonValue value = object.value(QLatin1String(key));
     if (value.isUndefined() || value.isNull()) {
         out = QString();
@@ -144,8 +138,7 @@ bool DocumentReader::text(const QJsonObject& object, const char* key, const QStr
     return true;
 }
 
-bool DocumentReader::array(const QJsonObject& object, const char* key, QJsonArray& out)
-{
+bool DocumentReader::array(const QJsonObject& object, const char* key, QJsonArray& out) {
     const QJsonValue value = object.value(QLatin1String(key));
     if (value.isUndefined() || value.isNull()) {
         out = QJsonArray();
@@ -158,8 +151,7 @@ bool DocumentReader::array(const QJsonObject& object, const char* key, QJsonArra
     return true;
 }
 
-bool DocumentReader::object(const QJsonValue& value, const QString& where, QJsonObject& out)
-{
+bool DocumentReader::object(const QJsonValue& value, const QString& where, QJsonObject& out) {
     if (!value.isObject()) {
         return fail(QStringLiteral("%1 must be an object").arg(where));
     }
@@ -168,8 +160,7 @@ bool DocumentReader::object(const QJsonValue& value, const QString& where, QJson
 }
 
 bool DocumentReader::ensureIndex(const QString& manufacturer, const QString& series,
-                                 const QString& type, const QString& where)
-{
+                                 const QString& type, const QString& where) {
     if (manufacturer.isEmpty()) {
         return fail(QStringLiteral("%1 has no manufacturer").arg(where));
     }
@@ -183,15 +174,14 @@ bool DocumentReader::ensureIndex(const QString& manufacturer, const QString& ser
         const QString s = depth >= 1 ? levels[1] : QString();
         const QString t = depth >= 2 ? levels[2] : QString();
         if (!m_db.IndexExists(m, s, t) && !m_db.AddIndex(m, s, t)) {
-            return fail(QStringLiteral("%1: cannot add %2 / %3 / %4 to the index")
-                            .arg(where, m, s, t));
+            return fail(
+                QStringLiteral("%1: cannot add %2 / %3 / %4 to the index").arg(where, m, s, t));
         }
     }
     return true;
 }
 
-bool DocumentReader::readIndex(const QJsonArray& index)
-{
+bool DocumentReader::readIndex(const QJsonArray& index) {
     for (qsizetype i = 0; i < index.size(); ++i) {
         const QString where = QStringLiteral("index[%1]").arg(i);
         QJsonObject row;
@@ -206,8 +196,7 @@ bool DocumentReader::readIndex(const QJsonArray& index)
 }
 
 bool DocumentReader::readSpec(const QJsonObject& spec, const QString& where,
-                              ModDB::ModSpecData& out)
-{
+                              ModDB::ModSpecData& out) {
     for (auto it = spec.constBegin(); it != spec.constEnd(); ++it) {
         int place = 0;
         while (place < ModDB::ModSpecData::kFieldCount &&
@@ -230,8 +219,7 @@ bool DocumentReader::readSpec(const QJsonObject& spec, const QString& where,
 }
 
 bool DocumentReader::readTerminals(const QJsonArray& terminals, const QString& code,
-                                   const QString& where, QList<ModDB::ModTermData>& rows)
-{
+                                   const QString& where, QList<ModDB::ModTermData>& rows) {
     for (qsizetype i = 0; i < terminals.size(); ++i) {
         const QString place = QStringLiteral("%1.terminals[%2]").arg(where).arg(i);
         QJsonObject terminal;
@@ -247,8 +235,7 @@ bool DocumentReader::readTerminals(const QJsonArray& terminals, const QString& c
     return true;
 }
 
-bool DocumentReader::readModule(const QJsonObject& module, const QString& where)
-{
+bool DocumentReader::readModule(const QJsonObject& module, const QString& where) {
     QString manufacturer, series, type;
     if (!text(module, kManufacturer, where, manufacturer) ||
         !text(module, kSeries, where, series) || !text(module, kType, where, type)) {
@@ -281,8 +268,7 @@ bool DocumentReader::readModule(const QJsonObject& module, const QString& where)
     return true;
 }
 
-bool DocumentReader::readStyle(const QJsonObject& style, const QString& where)
-{
+bool DocumentReader::readStyle(const QJsonObject& style, const QString& where) {
     const int number = style.value(QStringLiteral("number")).toInt(0);
     if (number < 1 || number > kStyleCount) {
         return fail(QStringLiteral("%1.number must be a style number from 1 to 9").arg(where));
@@ -298,8 +284,7 @@ bool DocumentReader::readStyle(const QJsonObject& style, const QString& where)
     return true;
 }
 
-bool DocumentReader::readPrompt(const QJsonObject& prompt, const QString& where)
-{
+bool DocumentReader::readPrompt(const QJsonObject& prompt, const QString& where) {
     ModDB::PromptData row;
     if (!text(prompt, "prompt", where, row.Prompt) ||
         !text(prompt, "localized", where, row.Localized)) {
@@ -314,8 +299,7 @@ bool DocumentReader::readPrompt(const QJsonObject& prompt, const QString& where)
     return true;
 }
 
-bool DocumentReader::read(const QJsonObject& document)
-{
+bool DocumentReader::read(const QJsonObject& document) {
     if (document.value(QStringLiteral("format")).toString() != QStringLiteral("plcdb")) {
         return fail(QStringLiteral("this is no plcdb document (\"format\" is not \"plcdb\")"));
     }
@@ -346,8 +330,7 @@ bool DocumentReader::read(const QJsonObject& document)
 
 }  // namespace
 
-bool CatalogDocument::Export(CKVModuleDB& db, QJsonObject& document, QString* error)
-{
+bool CatalogDocument::Export(CKVModuleDB& db, QJsonObject& document, QString* error) {
     QList<ModDB::IndexData> rows;
     if (!db.GetIndexRows(rows)) {
         return Fail(error, QStringLiteral("cannot read the index of the database"));
@@ -368,8 +351,7 @@ bool CatalogDocument::Export(CKVModuleDB& db, QJsonObject& document, QString* er
     return true;
 }
 
-bool CatalogDocument::Import(CKVModuleDB& db, const QJsonObject& document, QString* error)
-{
+bool CatalogDocument::Import(CKVModuleDB& db, const QJsonObject& document, QString* error) {
     if (!db.BeginTransaction()) {
         return Fail(error, QStringLiteral("cannot start a transaction on the database"));
     }

@@ -4,16 +4,14 @@ namespace ModDB {
 namespace {
 
 const char* const kSpecFieldNames[ModSpecData::kFieldCount] = {
-    "Code",     "ColText2", "ColText1", "Description", "ColText3", "AddrBase",
-    "Reserved", "BoxA1",    "BoxA2",    "BoxA3",       "BoxA4",    "BoxA5",
-    "BoxA6",    "BoxB1",    "BoxB2",    "BoxB3",       "BoxB4",    "BoxB5",
-    "BoxB6",    "SpecNote", "SpecTail", "DirFlags",
+    "Code",  "ColText2", "ColText1", "Description", "ColText3", "AddrBase", "Reserved", "BoxA1",
+    "BoxA2", "BoxA3",    "BoxA4",    "BoxA5",       "BoxA6",    "BoxB1",    "BoxB2",    "BoxB3",
+    "BoxB4", "BoxB5",    "BoxB6",    "SpecNote",    "SpecTail", "DirFlags",
 };
 
 }  // namespace
 
-QString& ModSpecData::field(int place)
-{
+QString& ModSpecData::field(int place) {
     QString* const fields[kFieldCount] = {
         &Code,  &ColText2, &ColText1, &Description, &ColText3, &AddrBase, &Reserved, &BoxA1,
         &BoxA2, &BoxA3,    &BoxA4,    &BoxA5,       &BoxA6,    &BoxB1,    &BoxB2,    &BoxB3,
@@ -22,18 +20,15 @@ QString& ModSpecData::field(int place)
     return *fields[(place >= 0 && place < kFieldCount) ? place : 0];
 }
 
-const QString& ModSpecData::field(int place) const
-{
+const QString& ModSpecData::field(int place) const {
     return const_cast<ModSpecData*>(this)->field(place);
 }
 
-const char* ModSpecData::FieldName(int place)
-{
+const char* ModSpecData::FieldName(int place) {
     return (place >= 0 && place < kFieldCount) ? kSpecFieldNames[place] : "";
 }
 
-const char* StyleBoxData::BoxName(int index)
-{
+const char* StyleBoxData::BoxName(int index) {
     static const char* const names[kBoxCount] = {"BoxA1", "BoxA2", "BoxA3", "BoxA4",
                                                  "BoxA5", "BoxA6", "BoxB1", "BoxB2",
                                                  "BoxB3", "BoxB4", "BoxB5", "BoxB6"};

@@ -10,8 +10,8 @@ class HostUi {
 public:
     virtual ~HostUi() = default;
     // The file the user chose; false when the question was cancelled.
-    virtual bool chooseFile(const QString& title, const QString& defaultPath,
-                            const QString& filter, QString& chosen) = 0;
+    virtual bool chooseFile(const QString& title, const QString& defaultPath, const QString& filter,
+                            QString& chosen) = 0;
     virtual void showHelp(const QString& topic) = 0;
     virtual HostScale scale() const = 0;
 };

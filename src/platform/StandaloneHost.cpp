@@ -257,8 +257,7 @@ int StandaloneHost::findFile(const QString& name, QString& found) {
 }
 
 int StandaloneHost::getFileD(const QString& title, const QString& defaultPath, const QString& ext,
-                             int flags, HostValue& result)
-{
+                             int flags, HostValue& result) {
     Q_UNUSED(flags);
     // A given answer first, then the user on a screen, else the default as it stands.
     QString answer = m_config.fileAnswer;

@@ -10,8 +10,7 @@
 
 namespace {
 
-PlcdbRun Call(const QStringList& args, const QByteArray& input = {})
-{
+PlcdbRun Call(const QStringList& args, const QByteArray& input = {}) {
     return RunPlcdb(QStringList{QStringLiteral("call")} + args, input);
 }
 
@@ -56,11 +55,10 @@ TEST(CallCommand, HelpIsThereForTheProgramAndItsCommands) {
     EXPECT_EQ(main.status, 0);
     EXPECT_TRUE(main.out.contains(QStringLiteral("call EXPR")));
     PlcdbRun call = RunPlcdb(BuildPath(QStringLiteral("plcdb")),
-                               {QStringLiteral("call"), QStringLiteral("--help")});
+                             {QStringLiteral("call"), QStringLiteral("--help")});
     EXPECT_EQ(call.status, 0);
     EXPECT_TRUE(call.out.contains(QStringLiteral("zel_mbsel")));
-    PlcdbRun unknown =
-        RunPlcdb({QStringLiteral("frobnicate")});
+    PlcdbRun unknown = RunPlcdb({QStringLiteral("frobnicate")});
     EXPECT_EQ(unknown.status, 2);
 }
 

@@ -11,10 +11,11 @@
 
 namespace {
 
-QString SampleDatabase() { return BuildPath(QStringLiteral("sample/ZEL_PLC.MDB")); }
+QString SampleDatabase() {
+    return BuildPath(QStringLiteral("sample/ZEL_PLC.MDB"));
+}
 
-QJsonObject Export(const QString& database)
-{
+QJsonObject Export(const QString& database) {
     const PlcdbRun run = RunPlcdb({QStringLiteral("--db"), database, QStringLiteral("export")});
     EXPECT_EQ(run.status, 0) << qPrintable(run.err);
     QJsonParseError error;
@@ -23,8 +24,7 @@ QJsonObject Export(const QString& database)
     return json.object();
 }
 
-QString NewDatabase(const QTemporaryDir& dir, const QString& name)
-{
+QString NewDatabase(const QTemporaryDir& dir, const QString& name) {
     const QString path = dir.filePath(name);
     EXPECT_EQ(RunPlcdb({QStringLiteral("init"), path}).status, 0);
     return path;
@@ -32,8 +32,7 @@ QString NewDatabase(const QTemporaryDir& dir, const QString& name)
 
 }  // namespace
 
-TEST(DataCommands, SampleExportIsADocumentThatSurvivesARoundTrip)
-{
+TEST(DataCommands, SampleExportIsADocumentThatSurvivesARoundTrip) {
     const QJsonObject first = Export(SampleDatabase());
     EXPECT_EQ(first.value("format").toString(), QStringLiteral("plcdb"));
     EXPECT_EQ(first.value("version").toInt(), 1);
@@ -42,10 +41,10 @@ TEST(DataCommands, SampleExportIsADocumentThatSurvivesARoundTrip)
 
     QTemporaryDir dir;
     const QString document = dir.filePath(QStringLiteral("catalog.json"));
-    ASSERT_EQ(RunPlcdb({QStringLiteral("--db"), SampleDatabase(), QStringLiteral("export"),
-                        document})
-                  .status,
-              0);
+    ASSERT_EQ(
+        RunPlcdb({QStringLiteral("--db"), SampleDatabase(), QStringLiteral("export"), document})
+            .status,
+        0);
     const QString copy = NewDatabase(dir, QStringLiteral("copy.db"));
     const PlcdbRun import =
         RunPlcdb({QStringLiteral("--db"), copy, QStringLiteral("import"), document});
@@ -53,8 +52,7 @@ TEST(DataCommands, SampleExportIsADocumentThatSurvivesARoundTrip)
     EXPECT_EQ(Export(copy), first);
 }
 
-TEST(DataCommands, ADuplicateCatalogWritesNothing)
-{
+TEST(DataCommands, ADuplicateCatalogWritesNothing) {
     QTemporaryDir dir;
     const QString database = NewDatabase(dir, QStringLiteral("dup.db"));
     const QByteArray one = R"({"format":"plcdb","version":1,"modules":[
@@ -73,16 +71,14 @@ TEST(DataCommands, ADuplicateCatalogWritesNothing)
     EXPECT_EQ(Export(database), before);
 }
 
-TEST(DataCommands, ListShowsTheTreeWithItsCatalogs)
-{
+TEST(DataCommands, ListShowsTheTreeWithItsCatalogs) {
     const PlcdbRun run = RunPlcdb({"--db", SampleDatabase(), "list"});
     ASSERT_EQ(run.status, 0) << qPrintable(run.err);
     EXPECT_TRUE(run.out.contains(QStringLiteral("Norvale Controls\n  NV-100\n")));
     EXPECT_TRUE(run.out.contains(QStringLiteral("\n      NV-1108\n")));
 }
 
-TEST(DataCommands, BadCallsFailClearly)
-{
+TEST(DataCommands, BadCallsFailClearly) {
     QTemporaryDir dir;
     const QString database = NewDatabase(dir, QStringLiteral("x.db"));
     EXPECT_EQ(RunPlcdb({"init", database}).status, 1);  // exists already

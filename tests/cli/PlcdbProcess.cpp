@@ -5,8 +5,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-PlcdbRun RunPlcdb(const QString& program, const QStringList& args, const QByteArray& input)
-{
+PlcdbRun RunPlcdb(const QString& program, const QStringList& args, const QByteArray& input) {
     QTemporaryDir home;
     QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -32,7 +31,6 @@ PlcdbRun RunPlcdb(const QString& program, const QStringList& args, const QByteAr
     return run;
 }
 
-PlcdbRun RunPlcdb(const QStringList& args, const QByteArray& input)
-{
+PlcdbRun RunPlcdb(const QStringList& args, const QByteArray& input) {
     return RunPlcdb(BuildPath(QStringLiteral("plcdb")), args, input);
 }

@@ -9,8 +9,7 @@
 
 #include <gtest/gtest.h>
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
 #if defined(PLCDB_TEST_GUI)
     // Real widgets, drawn nowhere.
     qputenv("QT_QPA_PLATFORM", "offscreen");

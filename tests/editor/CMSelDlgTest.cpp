@@ -22,8 +22,7 @@ const QString kKestrel = QStringLiteral("Kestrel Automation");
 class CMSelDlgTest : public EditorFixture {
 protected:
     QString expected(const QString& type, const QString& catalog, int style, bool horizontal,
-                     double scale, bool extra)
-    {
+                     double scale, bool extra) {
         CKVModuleDB db;
         EXPECT_TRUE(db.Open(databasePath()));
         CatalogPath path;
@@ -32,13 +31,12 @@ protected:
         CKVModule module = db.GetModule(handle);
         module.SetManufacturer(path.manufacturer);
         HostValue answer;
-        EXPECT_TRUE(BuildSelectionAnswer(module, &db, style, false, horizontal, scale, extra,
-                                         answer));
+        EXPECT_TRUE(
+            BuildSelectionAnswer(module, &db, style, false, horizontal, scale, extra, answer));
         return LispText::Print(answer);
     }
     // Selects a type in the tree and a catalog row in its list.
-    static void chooseInList(CMSelDlg& dialog, const QString& type, const QString& catalog)
-    {
+    static void chooseInList(CMSelDlg& dialog, const QString& type, const QString& catalog) {
         CModuleTree& tree = dialog.Tree();
         QTreeWidgetItem* kx = tree.FindItem(kKestrel, QStringLiteral("KX"), type, catalog);
         ASSERT_NE(kx, nullptr);
@@ -50,8 +48,7 @@ protected:
     }
 };
 
-TEST_F(CMSelDlgTest, ACatalogChosenInItsTypesListGivesItsWholeList)
-{
+TEST_F(CMSelDlgTest, ACatalogChosenInItsTypesListGivesItsWholeList) {
     CMSelDlg dialog;
     dialog.SetStyle(3);
     dialog.SetOrientation(1);
@@ -68,15 +65,14 @@ TEST_F(CMSelDlgTest, ACatalogChosenInItsTypesListGivesItsWholeList)
     });
     ASSERT_EQ(ModalRunner::Run(dialog), kIdOk);
     ASSERT_TRUE(dialog.HasResult());
-    EXPECT_EQ(LispText::Print(dialog.GetResult()),
-              expected(QStringLiteral("Digital Input"), QStringLiteral("KX-DI24"), 3, true, 2.5,
-                       true));
+    EXPECT_EQ(
+        LispText::Print(dialog.GetResult()),
+        expected(QStringLiteral("Digital Input"), QStringLiteral("KX-DI24"), 3, true, 2.5, true));
     // The tree follows the row that was confirmed.
     EXPECT_EQ(dialog.Tree().currentItem()->text(0), QStringLiteral("KX-DI24"));
 }
 
-TEST_F(CMSelDlgTest, OkNeedsAScaleAndATypeNeedsARow)
-{
+TEST_F(CMSelDlgTest, OkNeedsAScaleAndATypeNeedsARow) {
     CMSelDlg dialog;
     QueuedModalScript script;
     script.push([this](QDialog& d) {
@@ -101,8 +97,7 @@ TEST_F(CMSelDlgTest, OkNeedsAScaleAndATypeNeedsARow)
     EXPECT_EQ(m_messages.shown[0].number, 4005);
 }
 
-TEST_F(CMSelDlgTest, TheRecentSelectionOpensTheNextDialog)
-{
+TEST_F(CMSelDlgTest, TheRecentSelectionOpensTheNextDialog) {
     QueuedModalScript script;
     {
         CMSelDlg first;
@@ -125,8 +120,7 @@ TEST_F(CMSelDlgTest, TheRecentSelectionOpensTheNextDialog)
     EXPECT_TRUE(script.done());
 }
 
-TEST_F(CMSelDlgTest, LockedStyleAndOrientationStillReachTheList)
-{
+TEST_F(CMSelDlgTest, LockedStyleAndOrientationStillReachTheList) {
     CMSelDlg dialog;
     dialog.SetStyle(4);
     dialog.SetOrientation(1);
@@ -142,12 +136,12 @@ TEST_F(CMSelDlgTest, LockedStyleAndOrientationStillReachTheList)
         return 0;
     });
     ASSERT_EQ(ModalRunner::Run(dialog), kIdOk);
-    EXPECT_TRUE(LispText::Print(dialog.GetResult()).endsWith(QStringLiteral("(\"4\" \"H\" 1.0 nil)")))
+    EXPECT_TRUE(
+        LispText::Print(dialog.GetResult()).endsWith(QStringLiteral("(\"4\" \"H\" 1.0 nil)")))
         << qPrintable(LispText::Print(dialog.GetResult()));
 }
 
-TEST_F(CMSelDlgTest, WithoutADatabaseTheDialogCancels)
-{
+TEST_F(CMSelDlgTest, WithoutADatabaseTheDialogCancels) {
     QFile::remove(databasePath());
     m_host.reset(new StandaloneHost(StandaloneHostConfig()));
     m_host->setReporter([](const QString&) {});

@@ -14,8 +14,7 @@ const QString kSeries = QStringLiteral("NV-100");
 const QString kInputs = QStringLiteral("Digital Input");
 const QString kOutputs = QStringLiteral("Digital Output");
 
-QTreeWidgetItem* Child(QTreeWidgetItem* parent, const QString& text)
-{
+QTreeWidgetItem* Child(QTreeWidgetItem* parent, const QString& text) {
     for (int i = 0; parent && i < parent->childCount(); ++i) {
         if (parent->child(i)->text(0) == text) {
             return parent->child(i);
@@ -28,52 +27,46 @@ QTreeWidgetItem* Child(QTreeWidgetItem* parent, const QString& text)
 
 class CModuleTreeTest : public EditorFixture {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         EditorFixture::SetUp();
         m_tree = std::make_unique<CModuleTree>();
         m_tree->SetEditMode(true);
         m_tree->show();
         ASSERT_EQ(m_tree->FillTree(), CModuleTree::kFilled);
     }
-    void TearDown() override
-    {
+    void TearDown() override {
         m_tree.reset();
         EditorFixture::TearDown();
     }
     QTreeWidgetItem* root() { return m_tree->topLevelItem(0); }
-    QTreeWidgetItem* type(const QString& name)
-    {
+    QTreeWidgetItem* type(const QString& name) {
         return Child(Child(Child(root(), kNorvale), kSeries), name);
     }
     // Types a name into the label editor of the running edit and ends it with key.
-    void typeLabel(const QString& text, Qt::Key key = Qt::Key_Return)
-    {
+    void typeLabel(const QString& text, Qt::Key key = Qt::Key_Return) {
         auto* editor = m_tree->findChild<QLineEdit*>();
         ASSERT_NE(editor, nullptr);
         editor->setText(text);
         QTest::keyClick(editor, key);
         QCoreApplication::processEvents();
+        // Closed editors go later; the next edit must not find this one.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
-    bool storeHasType(const QString& series, const QString& name)
-    {
+    bool storeHasType(const QString& series, const QString& name) {
         CKVModuleDB db;
         return db.Open(databasePath()) && db.IndexExists(kNorvale, series, name);
     }
-    bool storeHasModule(const QString& typeName, const QString& catalog)
-    {
+    bool storeHasModule(const QString& typeName, const QString& catalog) {
         CKVModuleDB db;
         QString table;
-        return db.Open(databasePath()) &&
-               db.GetTypeTableName(kNorvale, kSeries, typeName, table) &&
+        return db.Open(databasePath()) && db.GetTypeTableName(kNorvale, kSeries, typeName, table) &&
                db.ModuleExists(table, catalog);
     }
 
     std::unique_ptr<CModuleTree> m_tree;
 };
 
-TEST_F(CModuleTreeTest, LevelsComeFromTheIndexAndCatalogsWhenATypeIsSelected)
-{
+TEST_F(CModuleTreeTest, LevelsComeFromTheIndexAndCatalogsWhenATypeIsSelected) {
     EXPECT_EQ(CModuleTree::ItemData(root()), CModuleTree::kRootData);
     EXPECT_EQ(root()->text(0), LoadResString(4027));
     QTreeWidgetItem* inputs = type(kInputs);
@@ -91,12 +84,10 @@ TEST_F(CModuleTreeTest, LevelsComeFromTheIndexAndCatalogsWhenATypeIsSelected)
     EXPECT_FALSE(m_tree->GetItemPath(m, s, t, inputs->parent()));
     EXPECT_TRUE(m_tree->GetItemPath(m, s, t, inputs->parent(), true));
     EXPECT_TRUE(t.isEmpty());
-    EXPECT_NE(m_tree->FindItem("norvale controls", "nv-100", "digital output", "nv-1232"),
-              nullptr);
+    EXPECT_NE(m_tree->FindItem("norvale controls", "nv-100", "digital output", "nv-1232"), nullptr);
 }
 
-TEST_F(CModuleTreeTest, RenamesChangeTheStoreAndRefusalsBehaveAsTold)
-{
+TEST_F(CModuleTreeTest, RenamesChangeTheStoreAndRefusalsBehaveAsTold) {
     QTreeWidgetItem* outputs = type(kOutputs);
     m_tree->SetContextItem(outputs);
     m_tree->OnRename();
@@ -130,8 +121,7 @@ TEST_F(CModuleTreeTest, RenamesChangeTheStoreAndRefusalsBehaveAsTold)
     EXPECT_FALSE(m_tree->ExpandType(type(QStringLiteral("Analog Input"))));
 }
 
-TEST_F(CModuleTreeTest, NewNamesReachTheStoreOnlyWhenTheEditEndsWithOne)
-{
+TEST_F(CModuleTreeTest, NewNamesReachTheStoreOnlyWhenTheEditEndsWithOne) {
     QTreeWidgetItem* series = type(kInputs)->parent();
     m_tree->SetContextItem(series);
     m_tree->OnNew();
@@ -152,8 +142,7 @@ TEST_F(CModuleTreeTest, NewNamesReachTheStoreOnlyWhenTheEditEndsWithOne)
     EXPECT_TRUE(db.IndexExists(QStringLiteral("Zephyr Logic"), QString(), QString()));
 }
 
-TEST_F(CModuleTreeTest, DeleteAsksAndRemovesTheLevelFromTheStore)
-{
+TEST_F(CModuleTreeTest, DeleteAsksAndRemovesTheLevelFromTheStore) {
     QTreeWidgetItem* outputs = type(kOutputs);
     int deletingSignals = 0;
     QObject::connect(m_tree.get(), &CModuleTree::selectionDeleting,
@@ -175,8 +164,7 @@ TEST_F(CModuleTreeTest, DeleteAsksAndRemovesTheLevelFromTheStore)
     EXPECT_EQ(deletingSignals, 1);
 }
 
-TEST_F(CModuleTreeTest, PasteAsksForAFreeNameAndACutMovesTheModule)
-{
+TEST_F(CModuleTreeTest, PasteAsksForAFreeNameAndACutMovesTheModule) {
     QTreeWidgetItem* inputs = type(kInputs);
     m_tree->setCurrentItem(inputs);
     m_tree->SetContextItem(inputs->child(0));  // NV-1108
@@ -215,8 +203,7 @@ TEST_F(CModuleTreeTest, PasteAsksForAFreeNameAndACutMovesTheModule)
     EXPECT_EQ(m_tree->currentItem()->text(0), QStringLiteral("NV-1108-B"));
 }
 
-TEST_F(CModuleTreeTest, TheRecentSelectionComesBack)
-{
+TEST_F(CModuleTreeTest, TheRecentSelectionComesBack) {
     ASSERT_TRUE(m_tree->SelectModule(kNorvale, kSeries, kOutputs, QStringLiteral("NV-1232")));
     EXPECT_TRUE(m_tree->SaveMru());
 

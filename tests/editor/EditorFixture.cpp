@@ -4,8 +4,7 @@
 
 #include <QFile>
 
-void EditorFixture::SetUp()
-{
+void EditorFixture::SetUp() {
     ASSERT_TRUE(QFile::copy(BuildPath(QStringLiteral("sample/ZEL_PLC.MDB")), databasePath()));
     QString error;
     m_resources = ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"), &error);
@@ -18,14 +17,13 @@ void EditorFixture::SetUp()
     m_host->setReporter([](const QString&) {});
     m_host->openDocument();
     SetCurrentHost(m_host.get());
-    for (const char* name : {"kv_fio_does_file_exist", "kv_fio_does_file_exist_error",
-                             "zel_get_var"}) {
+    for (const char* name :
+         {"kv_fio_does_file_exist", "kv_fio_does_file_exist_error", "zel_get_var"}) {
         DeclareLispFunction(QString::fromLatin1(name));
     }
 }
 
-void EditorFixture::TearDown()
-{
+void EditorFixture::TearDown() {
     SetCurrentHost(nullptr);
     ZelPlcDbIO::SetInstance(nullptr);
     SetCurrentResources(nullptr);

@@ -11,26 +11,22 @@
 
 class CatalogDocumentTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         ZelPlcDbIO::SetInstance(&m_store);
         const QString path = m_dir.filePath(QStringLiteral("ZEL_PLC.MDB"));
         ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(path));
         ASSERT_TRUE(m_db.Open(path));
     }
-    void TearDown() override
-    {
+    void TearDown() override {
         m_db.Close();
         ZelPlcDbIO::SetInstance(nullptr);
     }
-    QJsonObject exported()
-    {
+    QJsonObject exported() {
         QJsonObject document;
         EXPECT_TRUE(CatalogDocument::Export(m_db, document, nullptr));
         return document;
     }
-    bool import(const char* json, QString* error = nullptr)
-    {
+    bool import(const char* json, QString* error = nullptr) {
         return CatalogDocument::Import(m_db, QJsonDocument::fromJson(json).object(), error);
     }
 
@@ -39,8 +35,7 @@ protected:
     CKVModuleDB m_db;
 };
 
-TEST_F(CatalogDocumentTest, TextsPassUnchangedAndMissingKeysAreEmpty)
-{
+TEST_F(CatalogDocumentTest, TextsPassUnchangedAndMissingKeysAreEmpty) {
     ASSERT_TRUE(import(R"({"format":"plcdb","version":1,
         "modules":[{"manufacturer":"M","series":"S","type":"T",
                     "spec":{"Code":"C1","BoxA1":" 12,5 mm ","DirFlags":"7"},
@@ -59,8 +54,7 @@ TEST_F(CatalogDocumentTest, TextsPassUnchangedAndMissingKeysAreEmpty)
     EXPECT_EQ(document.value("index").toArray().size(), 3);
 }
 
-TEST_F(CatalogDocumentTest, AnyErrorWritesNothing)
-{
+TEST_F(CatalogDocumentTest, AnyErrorWritesNothing) {
     const QJsonObject empty = exported();
     const char* const bad[] = {
         R"({"format":"other","version":1})",
