@@ -143,6 +143,14 @@ public:
     bool RewritePrompts(const QStringList& prompts, int row);
     void ApplyPrompts();
 
+    // The two normal forms of a row token, and the number (1 to 9) of a prompt token
+    // in pair form, 0 for any other token.
+    static QString FlagForm(const QString& token);
+    static QString PairForm(const QString& token);
+    static int PromptNumber(const QString& form);
+    // The text of a prompt token, behind "%%nPROMPT=".
+    static constexpr int kPromptTextStart = 10;
+
     // The text form of a style box value: a number and an optional unit, one blank
     // between them.
     static bool SplitValueUnit(const QString& text, QString& value, QString& unit);

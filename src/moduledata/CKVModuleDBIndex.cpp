@@ -9,34 +9,11 @@
 namespace {
 
 const QString kCatalogId = QStringLiteral("1");
-const QString kPromptMark = QStringLiteral("%%");
 const QString kTokenDelimiter = QStringLiteral(";");
 const QString kTermdataLog = QStringLiteral("Termdata_List.txt");
-// A prompt token is "%%nPROMPT=text": the text starts behind these characters.
-constexpr int kPromptTextStart = 10;
 
 bool SameName(const QString& a, const QString& b) {
     return QString::compare(a, b, Qt::CaseInsensitive) == 0;
-}
-
-// Pair form: no blanks before "=", none at the left.
-QString PairForm(QString token) {
-    while (ReplaceStringInString(token, QStringLiteral(" ="), QStringLiteral("=")) > 0) {
-    }
-    qsizetype start = 0;
-    while (start < token.size() && token.at(start).isSpace()) {
-        ++start;
-    }
-    return token.mid(start);
-}
-
-// The prompt number 1 to 9 of a prompt token; 0 for any other token.
-int PromptNumber(const QString& token) {
-    if (!token.startsWith(kPromptMark)) {
-        return 0;
-    }
-    const int number = crt::wtoi(token.mid(2, 1));
-    return number >= 1 && number <= CKVModule::kPromptCount ? number : 0;
 }
 
 // The census follows these prompts by the file they were found in.
@@ -212,7 +189,7 @@ bool CKVModuleDB::CollectPrompts(CKVModule& module, QStringList& aPrompts, QList
     bool bLast = false;
     while (!bLast) {
         if (GetToken(rest, token, kTokenDelimiter)) {
-            token = PairForm(token);
+            token = CKVModule::PairForm(token);
             AppendToTermdataLog(token);
         } else {
             // The rest behind the last ";" counts as a token but is not logged.
@@ -220,13 +197,13 @@ bool CKVModuleDB::CollectPrompts(CKVModule& module, QStringList& aPrompts, QList
             if (rest.isEmpty()) {
                 break;
             }
-            token = PairForm(rest);
+            token = CKVModule::PairForm(rest);
         }
-        const int number = PromptNumber(token);
+        const int number = CKVModule::PromptNumber(token);
         if (number == 0) {
             continue;
         }
-        const QString text = token.mid(kPromptTextStart);
+        const QString text = token.mid(CKVModule::kPromptTextStart);
         SetModulePrompt(module, number, text);
         bFound = true;
         if (aPrompts.isEmpty()) {

@@ -24,8 +24,6 @@ const QString kSpacing = QStringLiteral("\\SPECIAL=SPACINGFACTOR");
 const QString kSpacingValue = QStringLiteral("\\SPECIAL=SPACINGFACTOR=");
 const QString kSpecial = QStringLiteral("\\SPECIAL");
 const QString kPromptMark = QStringLiteral("%%");
-// "%%n" then "PROMPT=": the prompt's text starts behind these ten characters.
-constexpr int kPromptTextStart = 10;
 
 // One flag bit and the token that stands for it.
 struct FlagBit {
@@ -210,6 +208,16 @@ QString PromptToken(int number, const QString& text) {
 
 }  // namespace
 
+QString CKVModule::FlagForm(const QString& token) {
+    return ::FlagForm(token);
+}
+QString CKVModule::PairForm(const QString& token) {
+    return ::PairForm(token);
+}
+int CKVModule::PromptNumber(const QString& form) {
+    return ::PromptNumber(form);
+}
+
 void CKVModule::SetTermRow(int row, const QString& joined) {
     if (joined.isNull() || row < 1) {
         return;
@@ -387,7 +395,7 @@ bool CKVModule::ParsePromptsToArray() {
             continue;
         }
         found = true;
-        QString text = form.mid(kPromptTextStart);
+        QString text = form.mid(CKVModule::kPromptTextStart);
         ZelPlcDbIO* store = ZelPlcDbIO::Instance();
         const QString localized = store ? store->ReturnLocalizedPrompt(text) : QString();
         // A prompt the store does not know is deliberately not taken; the next save
@@ -401,7 +409,7 @@ bool CKVModule::ParsePromptsToArray() {
     const int number = PromptNumber(rest);
     if (number != 0) {
         found = true;
-        SetPrompt(number, rest.mid(kPromptTextStart));
+        SetPrompt(number, rest.mid(CKVModule::kPromptTextStart));
     }
     return found;
 }
