@@ -20,6 +20,9 @@ echo "\$ plcdb --db $sample export | head -n 40"
 "$plcdb" --db "$sample" export | head -n 40 || true
 echo "..."
 echo
+# The selection as a script gets it: the list the dialog gives for these choices.
+show --db "$sample" select --manufacturer "Norvale Controls" --series NV-100 \
+    --type "Digital Input" --catalog NV-1108 --style 3 --orient H --scale 2.0
 show call '(zel_delay 1)'
 # An integer where the style text belongs: the selection answers nil at once.
 show call "(zel_mbsel '(0 \"\" nil 5 \"V\" 1.0 nil \"\" nil))"

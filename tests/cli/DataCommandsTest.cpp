@@ -1,6 +1,8 @@
 #include "PlcdbProcess.h"
 #include "TestSupport.h"
+#include "ZelDbMigrate.h"
 
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -92,4 +94,21 @@ TEST(DataCommands, BadCallsFailClearly) {
     garbage.write(QByteArray(4096, '\x5a'));
     garbage.close();
     EXPECT_EQ(RunPlcdb({"--db", garbage.fileName(), "export"}).status, 1);
+}
+
+TEST(DataCommands, MigrationCommandUpgradesTheFileItIsGiven) {
+    QTemporaryDir dir;
+    const QString old = dir.filePath(QStringLiteral("OLD.MDB"));
+    ASSERT_TRUE(CreateVersion1Database(old));
+    bool required = false;
+    CheckForMigration(old, required, false, QString());
+    ASSERT_TRUE(required);
+
+    const PlcdbRun run = RunPlcdb({"--file", old, "call", "(c:ZLPLCMIGRATE)"});
+    EXPECT_EQ(run.status, 0) << qPrintable(run.err);
+    EXPECT_EQ(run.out, QString());
+    required = true;
+    CheckForMigration(old, required, false, QString());
+    EXPECT_FALSE(required);
+    EXPECT_EQ(QDir(dir.path()).entryList({QStringLiteral("OLD.MDB*.bak")}).size(), 1);
 }
