@@ -30,6 +30,9 @@ private:
 // entity itself and is not read.
 constexpr int kEmbeddedObject = 101;
 
+// Larger numbers are no coordinates of a real drawing and would overflow its extent.
+constexpr double kMaxMagnitude = 1e20;
+
 QString DecodeBytes(const QByteArray& bytes) {
     QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     QString text = utf8.decode(bytes);
@@ -145,15 +148,18 @@ QPointF Polar(const QPointF& center, double radius, double degrees) {
     return center + QPointF(radius * std::cos(radians), radius * std::sin(radians));
 }
 
+double Normalized(double degrees) {
+    const double angle = std::fmod(degrees, 360.0);
+    return angle < 0.0 ? angle + 360.0 : angle;
+}
+
 // The end points of an arc and each quarter point its sweep passes.
 QList<QPointF> ArcExtremes(const DxfArc& arc) {
-    double end = arc.endAngle;
-    while (end <= arc.startAngle) {
-        end += 360.0;
-    }
-    QList<QPointF> points{Polar(arc.center, arc.radius, arc.startAngle),
-                          Polar(arc.center, arc.radius, end)};
-    for (double quarter = std::ceil(arc.startAngle / 90.0) * 90.0; quarter < end; quarter += 90.0) {
+    const double start = Normalized(arc.startAngle);
+    const double sweep = Normalized(arc.endAngle - arc.startAngle);
+    const double end = start + (sweep > 0.0 ? sweep : 360.0);
+    QList<QPointF> points{Polar(arc.center, arc.radius, start), Polar(arc.center, arc.radius, end)};
+    for (double quarter = std::ceil(start / 90.0) * 90.0; quarter < end; quarter += 90.0) {
         points.append(Polar(arc.center, arc.radius, quarter));
     }
     return points;
@@ -350,7 +356,17 @@ DxfReader::Next DxfReader::readLine(QByteArray& line) {
     if (m_input.atEnd()) {
         return Next::End;
     }
-    line = m_input.readLine(kMaxLineLength);
+    // One buffer for all lines: a fresh buffer of the longest size per line costs more
+    // than the reading.
+    if (m_buffer.isEmpty()) {
+        m_buffer.resize(kMaxLineLength + 1);
+    }
+    const qint64 size = m_input.readLine(m_buffer.data(), m_buffer.size());
+    if (size < 0) {
+        fail(QStringLiteral("the drawing cannot be read: %1").arg(m_input.errorString()));
+        return Next::Failed;
+    }
+    line = QByteArray(m_buffer.constData(), size);
     ++m_lineNumber;
     if (m_lineNumber == 1 && line.startsWith("\xEF\xBB\xBF")) {
         line.remove(0, 3);
@@ -456,7 +472,7 @@ bool DxfReader::real(const Record& record, int code, double& value) {
 bool DxfReader::number(const Record& record, const Group& group, double& value) {
     bool ok = false;
     const double read = group.value.trimmed().toDouble(&ok);
-    if (!ok || !std::isfinite(read)) {
+    if (!ok || !(std::abs(read) <= kMaxMagnitude)) {
         return failAt(group.line, QStringLiteral("\"%1\" is no number (group %2 of %3)")
                                       .arg(DecodeBytes(group.value.left(40)))
                                       .arg(group.code)

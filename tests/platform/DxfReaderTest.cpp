@@ -2,8 +2,11 @@
 
 #include "TestSupport.h"
 
+#include <QtMath>
+
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -208,6 +211,7 @@ TEST(DxfReaderTest, RefusesWhatIsNoDrawingWithAReason) {
         {"number that is none", Entities({{0, "CIRCLE"}, {10, "1,5"}, {20, "1"}}),
          "\"1,5\" is no number (group 10 of CIRCLE)", 0},
         {"infinite number", Entities({{0, "CIRCLE"}, {40, "inf"}}), "is no number", 0},
+        {"number beyond any drawing", Entities({{0, "CIRCLE"}, {40, "1e300"}}), "is no number", 0},
         {"endless line", "0\n" + QByteArray(DxfReader::kMaxLineLength + 10, 'A'), "longer", 0},
     };
     for (const Case& c : cases) {
@@ -286,6 +290,30 @@ TEST(DxfReaderTest, BoundsCoverWhatIsDrawn) {
     drawing.arcs.append({QPointF(20, 0), 2.0, 0.0, 90.0});  // reaches (22, 0) and (20, 2)
     drawing.circles.append({QPointF(0, -4), 1.0});
     EXPECT_EQ(drawing.bounds(), QRectF(QPointF(-1, -5), QPointF(22, 5)));
+}
+
+TEST(DxfReaderTest, ArcBoundsFollowTheSweepAcrossZero) {
+    DxfDrawing drawing;
+    drawing.arcs.append({QPointF(0, 0), 1.0, 710.0, 10.0});  // 350 to 10 degrees
+    const QRectF bounds = drawing.bounds();
+    EXPECT_DOUBLE_EQ(bounds.right(), 1.0);
+    EXPECT_NEAR(bounds.left(), std::cos(qDegreesToRadians(10.0)), 1e-12);
+}
+
+// Regression: a text cut anywhere must neither crash nor read beyond its end.
+TEST(DxfReaderTest, SurvivesBeingCutAtEveryByte) {
+    Pairs body = kLine;
+    body.insert(body.end(), {{0, "MTEXT"}, {1, "a\\Pb"}, {0, "LINE"}});
+    const QByteArray whole = Entities(body, "\r\n");
+    qsizetype previous = 0;
+    for (qsizetype size = 0; size < whole.size(); ++size) {
+        DxfDrawing drawing;
+        QString error;
+        const bool read = DxfReader::ReadText(whole.left(size), drawing, &error);
+        EXPECT_TRUE(read || !error.isEmpty()) << size;
+        EXPECT_GE(drawing.lines.size(), previous) << size;  // never fewer for more text
+        previous = drawing.lines.size();
+    }
 }
 
 TEST(DxfReaderTest, ReadFileNamesTheMissingFile) {
