@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(
-    cmake ninja-build g++ pkg-config clang-format
+    cmake ninja-build g++ pkg-config clang-format clang-tidy
     qt6-base-dev libsqlite3-dev sqlite3
     libgtest-dev libgmock-dev libbenchmark-dev
     sbcl

@@ -27,7 +27,7 @@ void Print(const QString& text) {
 }
 
 QString Indented(int depth, const QString& text) {
-    return QString(depth * 2, u' ') + text + u'\n';
+    return QString(qsizetype(depth) * 2, u' ') + text + u'\n';
 }
 
 bool ReadInput(const QString& name, QByteArray& data, QString* error) {
