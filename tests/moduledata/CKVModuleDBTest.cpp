@@ -19,22 +19,17 @@ const QString kNull;
 class CKVModuleDBTest : public testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(m_dir.isValid());
-        m_path = MakeDatabase("ZEL_PLC.MDB");
+        m_path = m_dir.filePath("ZEL_PLC.MDB");
+        ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path));
         ZelPlcDbIO::SetInstance(&m_store);
         ASSERT_TRUE(m_db.Open(m_path));
     }
     void TearDown() override { ZelPlcDbIO::SetInstance(nullptr); }
 
-    QString MakeDatabase(const QString& name) {
-        const QString path = m_dir.filePath(name);
-        EXPECT_TRUE(ZelPlcDbIO::CreateDatabase(path));
-        return path;
-    }
-
-    // A saved module of type ACME/S1/T1; answers its table.
-    QString SaveModule(const QString& catalog, const QStringList& rows = {"HP?TERM;N=1"}) {
-        const int handle = m_db.NewModule("ACME", "S1", "T1", catalog);
+    // A saved module of type ACME/series/T1; answers its table.
+    QString SaveModule(const QString& catalog, const QStringList& rows = {"HP?TERM;N=1"},
+                       const QString& series = "S1") {
+        const int handle = m_db.NewModule("ACME", series, "T1", catalog);
         CKVModule& module = m_db.GetModule(handle);
         for (const QString& row : rows) {
             module.SetTermRow(module.GetTermCount() + 1, row);
@@ -42,18 +37,17 @@ protected:
         EXPECT_TRUE(m_db.SaveModule(handle));
         m_db.ReleaseModule(handle);
         QString table;
-        EXPECT_TRUE(m_db.GetTypeTableName("ACME", "S1", "T1", table));
+        EXPECT_TRUE(m_db.GetTypeTableName("ACME", series, "T1", table));
         return table;
     }
 
+    // The stored terminal rows of a catalog code, found even when its module is gone.
     QStringList RowsOf(const QString& table, const QString& catalog) {
-        ModDB::ModSpecData spec;
         QList<ModDB::ModTermData> rows;
+        EXPECT_TRUE(m_store.GetModTermData(table + "_Data", catalog, rows));
         QStringList texts;
-        if (m_db.ReadRawModule(table, catalog, spec, rows)) {
-            for (const ModDB::ModTermData& row : rows) {
-                texts.append(row.Text + u';' + row.Special);
-            }
+        for (const ModDB::ModTermData& row : rows) {
+            texts.append(row.Text + u';' + row.Special);
         }
         return texts;
     }
@@ -64,23 +58,13 @@ protected:
     CKVModuleDB m_db;
 };
 
-TEST_F(CKVModuleDBTest, OpenRefusesBadPathsAndForeignFilesWithTheirCodes) {
-    QFile garbage(m_dir.filePath("garbage.mdb"));
-    ASSERT_TRUE(garbage.open(QIODevice::WriteOnly));
-    garbage.write(QByteArray(4096, '\x5a'));
-    garbage.close();
+TEST_F(CKVModuleDBTest, OpenRefusesBadPathsAndUnopenableFilesWithTheirCodes) {
     const struct {
         QString path;
         int code;
-    } cases[] = {
-        {kNull, 2},
-        {"", 2},
-        {"ZEL_PLC.MDB", 3},
-        {m_dir.path() + "/", 3},
-        {"C:\\data\\", 3},
-        {garbage.fileName(), 27},
-        {m_dir.filePath("missing.mdb"), 27},
-    };
+    } cases[] = {{kNull, 2},         {"", 2},
+                 {"ZEL_PLC.MDB", 3}, {m_dir.path() + "/", 3},
+                 {"C:\\data\\", 3},  {m_dir.filePath("missing.mdb"), 27}};
     for (const auto& c : cases) {
         CKVModuleDB db;
         EXPECT_FALSE(db.Open(c.path)) << c.path.toStdString();
@@ -91,14 +75,36 @@ TEST_F(CKVModuleDBTest, OpenRefusesBadPathsAndForeignFilesWithTheirCodes) {
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrAlreadyOpen);
 }
 
-TEST_F(CKVModuleDBTest, WriteProtectedFileOpensReadOnlyAndRefusesSaves) {
-    const QString path = MakeDatabase("locked.mdb");
-    ASSERT_TRUE(QFile::setPermissions(path, QFile::ReadOwner | QFile::ReadGroup));
+TEST_F(CKVModuleDBTest, WriteProtectedFileOpensReadOnlyAndRefusesEveryWrite) {
+    const QString table = SaveModule("C1");
+    m_store.ReleaseFile(m_path);
+    ASSERT_TRUE(QFile::setPermissions(m_path, QFile::ReadOwner | QFile::ReadGroup));
     CKVModuleDB db;
-    ASSERT_TRUE(db.Open(path));
+    ASSERT_TRUE(db.Open(m_path));
     EXPECT_EQ(db.GetLastError(), CKVModuleDB::kErrReadOnly);
-    EXPECT_EQ(db.NewModule("ACME", "S1", "T1", "C1"), -1);
+    const int handle = db.LoadModule(table, "C1", false);
+    db.GetModule(handle).SetTermRow(2, "HP?TERM;N=2");
+    ModDB::ModSpecData spec;
+    spec.Code = "RAW";
+    const ModDB::PromptData prompt{"P", "Q"};
+    const std::function<bool()> writes[] = {
+        [&] { return db.SaveModule(handle); },
+        [&] { return db.RenameModule(table, "C1", "C2"); },
+        [&] { return db.CopyModule("C1", table, "C2", table); },
+        [&] { return db.RemoveEntry("ACME", "S1", "T1", "C1"); },
+        [&] { return db.RemoveEntry("ACME", kNull, kNull, kNull); },
+        [&] { return db.RenameIndex("ACME", kNull, kNull, "X"); },
+        [&] { return db.WriteRawModule(table, spec, {}); },
+        [&] { return db.AddPromptRow(prompt); },
+    };
+    for (size_t i = 0; i < std::size(writes); ++i) {
+        m_store.m_strLastError.clear();
+        EXPECT_FALSE(writes[i]()) << "write " << i;
+        EXPECT_FALSE(m_store.m_strLastError.isEmpty()) << "write " << i;
+    }
+    EXPECT_EQ(db.NewModule("ACME", "S1", "T2", "C1"), -1);
     EXPECT_EQ(db.GetLastError(), CKVModuleDB::kErrIndexNotAdded);
+    EXPECT_EQ(RowsOf(table, "C1"), QStringList({"HP?TERM;N=1"}));
 }
 
 TEST_F(CKVModuleDBTest, EveryStoreOperationNeedsAnOpenObjectAndAStore) {
@@ -111,70 +117,66 @@ TEST_F(CKVModuleDBTest, EveryStoreOperationNeedsAnOpenObjectAndAStore) {
     ModDB::ModSpecData spec;
     ModDB::StyleBoxData box;
     QString table;
-    const std::function<bool(CKVModuleDB&)> operations[] = {
-        [&](CKVModuleDB& db) { return db.NewModule("ACME", "S1", "T1", "C2") >= 0; },
-        [&](CKVModuleDB& db) { return db.LoadModule("T", "C1", false) >= 0; },
-        [&](CKVModuleDB& db) { return db.SaveModule(handle); },
-        [&](CKVModuleDB& db) { return db.ReleaseModule(handle); },
-        [&](CKVModuleDB& db) { return db.ModuleExists("T", "C1"); },
-        [&](CKVModuleDB& db) { return db.CopyModule("C1", "T", "C2", "T"); },
-        [&](CKVModuleDB& db) { return db.RenameModule("T", "C1", "C2"); },
-        [&](CKVModuleDB& db) { return db.RemoveEntry("ACME", kNull, kNull, kNull); },
-        [&](CKVModuleDB& db) { return db.GetHierarchy(hierarchy); },
-        [&](CKVModuleDB& db) { return db.GetTypeTableName("ACME", "S1", "T1", table); },
-        [&](CKVModuleDB& db) { return db.GetCatalogs("T", catalogs); },
-        [&](CKVModuleDB& db) { return db.AddIndex("ACME", kNull, kNull); },
-        [&](CKVModuleDB& db) { return db.RenameIndex("ACME", kNull, kNull, "X"); },
-        [&](CKVModuleDB& db) { return db.IndexExists("ACME", kNull, kNull); },
-        [&](CKVModuleDB& db) { return db.GetStyleBox(1, box); },
-        [&](CKVModuleDB& db) { return db.LoadPrompts(); },
-        [&](CKVModuleDB& db) { return db.GetIndexRows(indexRows); },
-        [&](CKVModuleDB& db) { return db.ReadRawModule("T", "C1", spec, rows); },
-        [&](CKVModuleDB& db) { return db.WriteRawModule("T", spec, rows); },
-        [&](CKVModuleDB& db) { return db.GetPromptRows(prompts); },
-        [&](CKVModuleDB& db) {
-            return db.AddPromptRow({"P", "Q"});
-        },
-        [&](CKVModuleDB& db) { return db.BeginTransaction(); },
-        [&](CKVModuleDB& db) { return db.CommitTransaction(); },
-    };
-    const auto expectAllRefused = [&](const char* state) {
-        for (size_t i = 0; i < std::size(operations); ++i) {
-            EXPECT_FALSE(operations[i](m_db)) << state << ", operation " << i;
-            EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNotOpen)
-                << state << ", operation " << i;
-        }
+    const ModDB::PromptData prompt{"P", "Q"};
+    const std::function<bool()> operations[] = {
+        [&] { return m_db.NewModule("ACME", "S1", "T1", "C2") >= 0; },
+        [&] { return m_db.LoadModule("T", "C1", false) >= 0; },
+        [&] { return m_db.SaveModule(handle); },
+        [&] { return m_db.ReleaseModule(handle); },
+        [&] { return m_db.ModuleExists("T", "C1"); },
+        [&] { return m_db.CopyModule("C1", "T", "C2", "T"); },
+        [&] { return m_db.RenameModule("T", "C1", "C2"); },
+        [&] { return m_db.RemoveEntry("ACME", kNull, kNull, kNull); },
+        [&] { return m_db.GetHierarchy(hierarchy); },
+        [&] { return m_db.GetTypeTableName("ACME", "S1", "T1", table); },
+        [&] { return m_db.GetCatalogs("T", catalogs); },
+        [&] { return m_db.AddIndex("ACME", kNull, kNull); },
+        [&] { return m_db.RenameIndex("ACME", kNull, kNull, "X"); },
+        [&] { return m_db.IndexExists("ACME", kNull, kNull); },
+        [&] { return m_db.GetStyleBox(1, box); },
+        [&] { return m_db.LoadPrompts(); },
+        [&] { return m_db.GetIndexRows(indexRows); },
+        [&] { return m_db.ReadRawModule("T", "C1", spec, rows); },
+        [&] { return m_db.WriteRawModule("T", spec, rows); },
+        [&] { return m_db.GetPromptRows(prompts); },
+        [&] { return m_db.AddPromptRow(prompt); },
+        [&] { return m_db.BeginTransaction(); },
+        [&] { return m_db.CommitTransaction(); },
     };
     ZelPlcDbIO::SetInstance(nullptr);
-    expectAllRefused("open without a store");
-    ZelPlcDbIO::SetInstance(&m_store);
-    ASSERT_TRUE(m_db.Close());
-    expectAllRefused("closed");
-    EXPECT_FALSE(m_db.Close());
+    for (const QString state : {"open without a store", "closed"}) {
+        for (size_t i = 0; i < std::size(operations); ++i) {
+            EXPECT_FALSE(operations[i]()) << state.toStdString() << ", operation " << i;
+            EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNotOpen)
+                << state.toStdString() << ", operation " << i;
+        }
+        ZelPlcDbIO::SetInstance(&m_store);
+        EXPECT_EQ(m_db.Close(), state != "closed");
+    }
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNotOpen);
 }
 
-TEST_F(CKVModuleDBTest, NewModuleAddsTheIndexRowAtOnceAndRefusesAnExistingCatalog) {
+TEST_F(CKVModuleDBTest, NewModuleAddsTheIndexRowAtOnceAndRefusesATakenCatalogOrNoTable) {
     ASSERT_GT(m_db.NewModule("ACME", "S1", "T9", "NEVER-SAVED"), 0);
     QString table;
     EXPECT_TRUE(m_db.GetTypeTableName("ACME", "S1", "T9", table));
-    EXPECT_FALSE(table.isEmpty());
     EXPECT_FALSE(m_db.ModuleExists(table, "NEVER-SAVED"));
 
-    SaveModule("C1");
+    table = SaveModule("C1");
     EXPECT_EQ(m_db.NewModule("ACME", "S1", "T1", "c1"), -1);
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrCatalogExists);
-}
 
-TEST_F(CKVModuleDBTest, NewModuleRefusesATypeWithoutTableName) {
-    ASSERT_TRUE(m_db.AddIndex("ACME", "S1", "T1"));
-    // Only a damaged file has such a type; the API can't make one.
+    // Only a damaged file has a type without table name; the API can't make one.
     SqliteDb file;
     ASSERT_TRUE(file.open(m_path, SqliteOpenMode::ReadWrite));
     ASSERT_TRUE(file.exec("UPDATE plc_index SET table_name = ''"));
     file.close();
-    EXPECT_EQ(m_db.NewModule("ACME", "S1", "T1", "C1"), -1);
+    EXPECT_EQ(m_db.NewModule("ACME", "S1", "T1", "C2"), -1);
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoTableName);
+    ModDB::ModSpecData spec;
+    spec.Code = "c1";
+    EXPECT_FALSE(m_db.WriteRawModule(table, spec, {}));
+    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrCatalogExists);
 }
 
 TEST_F(CKVModuleDBTest, LoadAndHandleFailuresHaveTheirCodes) {
@@ -251,7 +253,7 @@ TEST_F(CKVModuleDBTest, ValueFieldsLoadAndSaveInTheirTextForm) {
     }
 }
 
-TEST_F(CKVModuleDBTest, ModuleRoundTripsWithSpecificationRowsAndPrompts) {
+TEST_F(CKVModuleDBTest, ModuleRoundTripsWithItsFieldsRowsAndPrompts) {
     ASSERT_TRUE(m_db.AddPromptRow({"SLOT", "SLOT"}));
     ASSERT_TRUE(m_db.LoadPrompts());
     const int handle = m_db.NewModule("ACME", "S1", "T1", "C1");
@@ -267,13 +269,10 @@ TEST_F(CKVModuleDBTest, ModuleRoundTripsWithSpecificationRowsAndPrompts) {
     QString table;
     ASSERT_TRUE(m_db.GetTypeTableName("ACME", "S1", "T1", table));
 
-    const int loaded = m_db.LoadModule(table, "C1", false);
-    const CKVModule& copy = m_db.GetModule(loaded);
+    const CKVModule& copy = m_db.GetModule(m_db.LoadModule(table, "C1", false));
     EXPECT_FALSE(copy.GetIsNew());
-    EXPECT_EQ(copy.GetColText3(), "three");
-    EXPECT_EQ(copy.GetDirFlags(), "3");
+    EXPECT_EQ(copy.GetColText3() + "|" + copy.GetDirFlags() + "|" + copy.GetUnitA2(), "three|3|in");
     EXPECT_DOUBLE_EQ(copy.GetBoxA2(), 1.25);
-    EXPECT_EQ(copy.GetUnitA2(), "in");
     EXPECT_DOUBLE_EQ(copy.GetBoxA1(), -1.0);
     EXPECT_EQ(copy.GetTermCount(), 2);
     EXPECT_EQ(copy.GetTermText(2), "HP1TERM");
@@ -284,55 +283,46 @@ TEST_F(CKVModuleDBTest, ModuleRoundTripsWithSpecificationRowsAndPrompts) {
 
 TEST_F(CKVModuleDBTest, HierarchyGroupsRowsWithoutRegardToCase) {
     QList<_manfams> hierarchy{{"stale", {}}};
-    ASSERT_TRUE(m_db.GetHierarchy(hierarchy));
-    EXPECT_TRUE(hierarchy.isEmpty());
-    ASSERT_TRUE(m_db.AddIndex("ACME", kNull, kNull));
     ASSERT_TRUE(m_db.AddIndex("ACME", "S1", kNull));
-    ASSERT_TRUE(m_db.AddIndex("acme", "S1", "T1"));
+    ASSERT_TRUE(m_db.AddIndex("acme", "s1", "T1"));
     ASSERT_TRUE(m_db.AddIndex("Zeta", kNull, kNull));
     ASSERT_TRUE(m_db.GetHierarchy(hierarchy));
     ASSERT_EQ(hierarchy.size(), 2);
     EXPECT_EQ(hierarchy[0].strManufacturer, "ACME");
     ASSERT_EQ(hierarchy[0].families.size(), 1);
-    EXPECT_EQ(hierarchy[0].families[0].strSeries, "S1");
     ASSERT_EQ(hierarchy[0].families[0].types.size(), 1);
-    EXPECT_EQ(hierarchy[0].families[0].types[0].strType, "T1");
     EXPECT_FALSE(hierarchy[0].families[0].types[0].strTableName.isEmpty());
     EXPECT_TRUE(hierarchy[1].families.isEmpty());
 }
 
-TEST_F(CKVModuleDBTest, CatalogsOfATypeAndOfAnUnknownTable) {
+TEST_F(CKVModuleDBTest, RemoveEntryTakesTheLevelOfTheFirstNullWithEverythingBelowIt) {
     const QString table = SaveModule("C1");
     SaveModule("C2");
-    QList<_idandcatalognum> catalogs;
-    ASSERT_TRUE(m_db.GetCatalogs(table, catalogs));
-    ASSERT_EQ(catalogs.size(), 2);
-    EXPECT_EQ(catalogs[0].strId, "1");
-    ASSERT_TRUE(m_db.GetCatalogs("NO_SUCH_TABLE", catalogs));
-    EXPECT_TRUE(catalogs.isEmpty());
-    EXPECT_FALSE(m_db.GetCatalogs(kNull, catalogs));
-}
-
-TEST_F(CKVModuleDBTest, RemoveEntryTakesTheLevelOfTheFirstNull) {
-    const QString table = SaveModule("C1");
-    ASSERT_TRUE(m_db.AddIndex("ACME", "S2", kNull));
+    const QString kept = SaveModule("C1", {"K;N=1"}, "S2");
     EXPECT_FALSE(m_db.RemoveEntry(kNull, kNull, kNull, kNull));
 
     ASSERT_TRUE(m_db.RemoveEntry("ACME", "S1", "T1", "C1"));
     EXPECT_FALSE(m_db.ModuleExists(table, "C1"));
-    QList<ModDB::ModTermData> rows;
-    ASSERT_TRUE(m_store.GetModTermData(table + "_Data", "C1", rows));
-    EXPECT_TRUE(rows.isEmpty());
+    EXPECT_TRUE(RowsOf(table, "C1").isEmpty());
+    EXPECT_TRUE(m_db.ModuleExists(table, "C2"));
     EXPECT_TRUE(m_db.IndexExists("ACME", "S1", "T1"));
+
+    ASSERT_TRUE(m_db.RemoveEntry("acme", "s1", kNull, kNull));
+    EXPECT_FALSE(m_db.RemoveEntry("ACME", "S1", kNull, kNull));
+    EXPECT_FALSE(m_db.IndexExists("ACME", "S1", kNull));
+    EXPECT_FALSE(m_db.ModuleExists(table, "C2"));
+    EXPECT_TRUE(RowsOf(table, "C2").isEmpty());
+    EXPECT_EQ(RowsOf(kept, "C1"), QStringList({"K;N=1"}));
+    // A type made again under the old names gets a table name of its own.
+    EXPECT_NE(SaveModule("C3"), table);
 
     ASSERT_TRUE(m_db.RemoveEntry("ACME", "S1", "T1", kNull));
     EXPECT_FALSE(m_db.IndexExists("ACME", "S1", "T1"));
     EXPECT_TRUE(m_db.IndexExists("ACME", "S1", kNull));
-    ASSERT_TRUE(m_db.RemoveEntry("ACME", "S1", kNull, kNull));
-    EXPECT_FALSE(m_db.IndexExists("ACME", "S1", kNull));
-    EXPECT_TRUE(m_db.IndexExists("ACME", "S2", kNull));
     ASSERT_TRUE(m_db.RemoveEntry("ACME", kNull, kNull, kNull));
-    EXPECT_FALSE(m_db.IndexExists("ACME", kNull, kNull));
+    QList<ModDB::IndexData> index;
+    ASSERT_TRUE(m_db.GetIndexRows(index));
+    EXPECT_TRUE(index.isEmpty());
 }
 
 TEST_F(CKVModuleDBTest, CopyAndRenameRefuseTakenOrMissingNames) {
@@ -350,22 +340,6 @@ TEST_F(CKVModuleDBTest, CopyAndRenameRefuseTakenOrMissingNames) {
     ASSERT_TRUE(m_db.RenameModule(table, "C1", "C4"));
     EXPECT_FALSE(m_db.ModuleExists(table, "C1"));
     EXPECT_EQ(RowsOf(table, "C4"), QStringList({"A;N=1", "B;N=2"}));
-}
-
-TEST_F(CKVModuleDBTest, RawWritesKeepTheTextsAndRollBackWithTheOuterTransaction) {
-    const QString table = SaveModule("C1");
-    ModDB::ModSpecData spec;
-    spec.Code = "RAW";
-    ASSERT_TRUE(m_db.WriteRawModule(table, spec, {{"RAW", 1, "T", "  A =1"}}));
-    EXPECT_EQ(RowsOf(table, "RAW"), QStringList({"T;  A =1"}));
-    EXPECT_FALSE(m_db.WriteRawModule(table, spec, {}));
-    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrCatalogExists);
-
-    spec.Code = "UNDONE";
-    ASSERT_TRUE(m_db.BeginTransaction());
-    ASSERT_TRUE(m_db.WriteRawModule(table, spec, {{"UNDONE", 1, "T", "X=1"}}));
-    m_db.RollbackTransaction();
-    EXPECT_FALSE(m_db.ModuleExists(table, "UNDONE"));
 }
 
 TEST_F(CKVModuleDBTest, PromptCensusCountsPromptsAndLogsTheCutTokens) {

@@ -8,6 +8,8 @@
 #include <QLocale>
 #include <QMap>
 
+#include <functional>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -51,7 +53,7 @@ TEST(CKVModuleTest, ClearKeepsDirFlagsTableNameAndTheNewMarkWhenAsked) {
     CKVModule module = ModuleWithSpecial("A=1");
     module.SetDirFlags("3");
     module.SetTableName("T1");
-    module.SetCatalog("1756-IB16");
+    module.SetCatalog("C-16");
     module.SetBoxA1(0.0);
     module.SetPrompts({"ONLY"});
     module.SetIsNew(false);
@@ -73,13 +75,11 @@ TEST(CKVModuleTest, CopyDropsTableNameAssignmentKeepsTargetTableAndTrailingRows)
     source.SetTableName("SOURCE");
     source.SetSpare("spare");
     source.SetBoxB2(0.0);
-    source.SetUnitA5("in");
     source.SetIsNew(false);
     const CKVModule copy(source);
     EXPECT_TRUE(copy.GetTableName().isEmpty());
     EXPECT_EQ(copy.GetSpare(), "spare");
     EXPECT_EQ(copy.GetBoxB2(), 0.0);
-    EXPECT_EQ(copy.GetUnitA5(), "in");
     EXPECT_FALSE(copy.GetIsNew());
     EXPECT_EQ(copy.GetTermSpecial(1), "X=1");
 
@@ -98,11 +98,8 @@ TEST(CKVModuleTest, BoxAndRowAccessorsIgnoreOutOfRangeNumbers) {
     CKVModule module = ModuleWithRows({{"A", ""}});
     module.SetBox(false, 0, 5.0);
     module.SetBox(true, 7, 5.0);
-    module.SetBoxA6(1.5);
     EXPECT_EQ(module.GetBox(false, 0), -1.0);
     EXPECT_EQ(module.GetBox(true, 7), -1.0);
-    EXPECT_EQ(module.GetBoxA6(), 1.5);
-    EXPECT_EQ(module.GetBoxB6(), -1.0);
 
     module.SetTermText(3, "C");  // count + 2
     module.SetTermText(1, QString());
@@ -141,34 +138,26 @@ TEST(CKVModuleTest, InsertTermCopyTakesTheTextOfTheRowAtOrBeforeThePosition) {
 }
 
 TEST(CKVModuleTest, ValueAndUnitTextsSplitAndBuildBackAlike) {
-    struct Split {
-        QString text, value, unit;
+    // An empty side of the text leaves its part as it was: "7" and "mm" here.
+    const struct {
+        QString text;
         bool ok;
-        QString valueAfter, unitAfter;
-    };
-    const Split splits[] = {
-        {QString(), "7", "mm", false, "7", "mm"}, {"2.5 in", "7", "mm", true, "2.5", "in"},
-        {"2.5", "7", "mm", true, "2.5", ""},      {" in", "7", "mm", true, "7", "in"},
-        {"2.5 ", "7", "mm", true, "2.5", "mm"},   {"1 x y", "", "", true, "1", "x y"},
-    };
-    for (const Split& s : splits) {
-        SCOPED_TRACE(s.text.toStdString());
-        QString value = s.value, unit = s.unit;
-        EXPECT_EQ(CKVModule::SplitValueUnit(s.text, value, unit), s.ok);
-        EXPECT_EQ(value, s.valueAfter);
-        EXPECT_EQ(unit, s.unitAfter);
+        QString valueAndUnit, rebuilt;
+    } cases[] = {{QString(), false, "7|mm", "7 mm"}, {"2.5 in", true, "2.5|in", "2.5 in"},
+                 {"2.5", true, "2.5|", "2.5"},       {" in", true, "7|in", "7 in"},
+                 {"2.5 ", true, "2.5|mm", "2.5 mm"}, {"1 x y", true, "1|x y", "1 x y"}};
+    for (const auto& c : cases) {
+        QString value = "7", unit = "mm", out;
+        EXPECT_EQ(CKVModule::SplitValueUnit(c.text, value, unit), c.ok) << c.text.toStdString();
+        EXPECT_EQ(value + "|" + unit, c.valueAndUnit);
+        EXPECT_TRUE(CKVModule::BuildValueWithUnit(value, unit, out));
+        EXPECT_EQ(out, c.rebuilt);
     }
     QString out = "old";
     CKVModule::BuildValueWithUnit("2.5", QString(), out);
     EXPECT_EQ(out, "");
     CKVModule::BuildValueWithUnit("", "in", out);
     EXPECT_EQ(out, "");
-    for (const char* text : {"5", "2.5 in"}) {
-        QString value, unit;
-        CKVModule::SplitValueUnit(text, value, unit);
-        EXPECT_TRUE(CKVModule::BuildValueWithUnit(value, unit, out));
-        EXPECT_EQ(out, text);
-    }
 }
 
 TEST(RowGrammarTest, SetTermRowSplitsAtTheFirstSemicolon) {
@@ -229,6 +218,12 @@ TEST(RowGrammarTest, FlagReadersIgnoreBlanksAndCaseButSpacingHeedsCase) {
 
 TEST(RowGrammarTest, WritersAppendOrPrependAndRebuildOnlyWhenRemoving) {
     enum Writer { Break, IncludeExclude, Addr, Spacing };
+    const std::function<void(CKVModule&, int, double)> write[] = {
+        [](CKVModule& m, int row, double value) { m.SetBreak(row, value != 0); },
+        [](CKVModule& m, int row, double value) { m.SetIncludeExclude(row, int(value)); },
+        [](CKVModule& m, int row, double value) { m.SetAddrFlags(row, int(value)); },
+        [](CKVModule& m, int row, double value) { m.SetSpacingFactor(row, value); },
+    };
     struct Case {
         QString before;
         Writer writer;
@@ -262,20 +257,7 @@ TEST(RowGrammarTest, WritersAppendOrPrependAndRebuildOnlyWhenRemoving) {
         SCOPED_TRACE(c.before.toStdString());
         CKVModule module = ModuleWithRows({{"HP?SPACE", c.before}, {"HP?SPACE", "A =1"}});
         for (int row : {1, 3}) {  // row 3 lies outside and stays a no-op
-            switch (c.writer) {
-                case Break:
-                    module.SetBreak(row, c.value != 0);
-                    break;
-                case IncludeExclude:
-                    module.SetIncludeExclude(row, int(c.value));
-                    break;
-                case Addr:
-                    module.SetAddrFlags(row, int(c.value));
-                    break;
-                case Spacing:
-                    module.SetSpacingFactor(row, c.value);
-                    break;
-            }
+            write[c.writer](module, row, c.value);
         }
         EXPECT_EQ(module.GetTermSpecial(1), c.after);
         EXPECT_EQ(module.GetTermCount(), 2);
@@ -324,18 +306,17 @@ TEST(RowGrammarTest, MergeKeepsReplacesDropsAndAppendsPairs) {
 }
 
 TEST(RowGrammarTest, NextAttrPairConsumesTheTextAndSkipsTokensWithoutValue) {
-    QString text = "NOFLAG; A = 1 ;B=2;LAST";
-    QString name, value;
-    ASSERT_TRUE(CKVModule::NextAttrPair(text, name, value));
-    EXPECT_EQ(name + "|" + value + "|" + text, "A|1|B=2;LAST");
-    ASSERT_TRUE(CKVModule::NextAttrPair(text, name, value));
-    EXPECT_EQ(name + "|" + value + "|" + text, "B|2|LAST");
-    EXPECT_FALSE(CKVModule::NextAttrPair(text, name, value));
-    EXPECT_TRUE(text.isEmpty());
-    text = "X = 5 ";
-    ASSERT_TRUE(CKVModule::NextAttrPair(text, name, value));
-    EXPECT_EQ(name + "|" + value + "|" + text, "X|5|");
-    EXPECT_FALSE(CKVModule::NextAttrPair(text, name, value));
+    const std::pair<QString, QStringList> cases[] = {
+        {"NOFLAG; A = 1 ;B=2;LAST", {"A|1|B=2;LAST", "B|2|LAST"}}, {"X = 5 ", {"X|5|"}}};
+    for (const auto& [start, expected] : cases) {
+        QString text = start, name, value;
+        QStringList seen;
+        while (seen.size() < 5 && CKVModule::NextAttrPair(text, name, value)) {
+            seen << name + "|" + value + "|" + text;
+        }
+        EXPECT_EQ(seen, expected);
+        EXPECT_TRUE(text.isEmpty());
+    }
 }
 
 class RowGrammarPromptTest : public testing::Test {
@@ -364,13 +345,13 @@ protected:
 
 TEST_F(RowGrammarPromptTest, PromptsWithoutLocalizedFormAreLostExceptTheLastToken) {
     CKVModule module = ModuleWithRows(
-        {{"HP?SPACE", "%%1PROMPT=SLOT;%%2PROMPT=TYPE;%%0PROMPT=ZERO;X=1;%%3PROMPT=CARD"},
+        {{"HP?SPACE", "%%1PROMPT=SLOT;%%2PROMPT=TYPE;%%0PROMPT=ZERO; X =1;%%3PROMPT=CARD"},
          {"HP?SPACE", "%%4PROMPT=LATER"}});
     ASSERT_TRUE(module.ParsePromptsToArray());
     EXPECT_EQ(module.Prompts(), QStringList({"Steckplatz", "", "CARD", "", "", "", "", "", ""}));
     EXPECT_EQ(m_store.asked, QStringList({"SLOT", "TYPE"}));
 
-    // The next save writes the prompts from the array: TYPE is gone.
+    // The next save writes the prompts from the array, numbered prompts first: TYPE is gone.
     module.ApplyPrompts();
     EXPECT_EQ(module.GetTermSpecial(1), "%%1PROMPT=Steckplatz;%%3PROMPT=CARD;X=1");
     EXPECT_EQ(module.GetTermSpecial(2), "");
@@ -399,15 +380,6 @@ TEST_F(RowGrammarPromptTest, ParseAnswersWhetherARowOnePromptTokenWasMet) {
     CKVModule module = ModuleWithSpecial("%%2PROMPT=SLOT;X=1");
     ASSERT_TRUE(module.ParsePromptsToArray());
     EXPECT_EQ(module.Prompts().value(1), "SLOT");
-}
-
-TEST(RowGrammarTest, RewritePromptsPutsNumberedPromptsFirst) {
-    CKVModule module = ModuleWithSpecial("%%2PROMPT=OLD;A =1; B=2;%%5PROMPT=GONE");
-    ASSERT_TRUE(module.RewritePrompts({"SLOT", "", "RACK"}, 1));
-    EXPECT_EQ(module.GetTermSpecial(1), "%%1PROMPT=SLOT;%%3PROMPT=RACK;A=1;B=2");
-    ASSERT_TRUE(module.RewritePrompts({}, 1));
-    EXPECT_EQ(module.GetTermSpecial(1), "A=1;B=2");
-    EXPECT_FALSE(module.RewritePrompts({"SLOT"}, 2));
 }
 
 TEST(RowGrammarTest, ApplyPromptsPlacesPromptsAndStripsRowsBehindTheStop) {

