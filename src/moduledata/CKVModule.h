@@ -10,7 +10,7 @@ struct _termvalues {
     QString strSpecial;
 };
 
-// One PLC I/O module in memory: its specification, twelve box values, nine prompts
+// One PLC I/O module in memory: its spec, twelve box values, nine prompts
 // and its terminal rows. Rows are addressed from 1; a row outside 1 .. count is a
 // no-op answering false, -1 or a null text, except for the setters, which also take
 // count + 1 and then add a row.
@@ -27,7 +27,7 @@ public:
     // unsets the box values and leaves nine empty prompts.
     void Clear(bool bMarkNew);
 
-    // Specification texts.
+    // Spec texts.
     const QString& GetCatalog() const { return m_strCatalog; }
     void SetCatalog(const QString& text) { m_strCatalog = text; }
     const QString& GetManufacturer() const { return m_strManufacturer; }

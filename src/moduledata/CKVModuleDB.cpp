@@ -429,7 +429,7 @@ bool CKVModuleDB::RemoveEntry(const QString& manufacturer, const QString& series
     if (catalog.isNull()) {
         return store->RemoveIndexData(manufacturer, series, type);
     }
-    // A module goes without touching the index: its rows, then its specification.
+    // A module goes without touching the index: its rows, then its spec.
     QString table;
     if (!store->GetTypeTableName(manufacturer, series, type, table) || !store->BeginTransaction()) {
         return false;

@@ -120,14 +120,14 @@ private:
     int FindHandle(int handle, QString* table = nullptr) const;
     bool ReadModule(const QString& table, const QString& catalog, CKVModule& module,
                     bool bSkipTerms);
-    // Rewrites the specification row and all terminal rows in one transaction; false
+    // Rewrites the spec row and all terminal rows in one transaction; false
     // (and nothing changed) when the store refused a step.
     bool WriteModule(CKVModule& module, const QString& table);
     bool WriteModuleSteps(ZelPlcDbIO& store, const CKVModule& module, const QString& table);
     bool RemoveModuleRows(ZelPlcDbIO& store, const QString& table, const QString& catalog);
     // The store when this object is open; otherwise null and code 16.
     ZelPlcDbIO* Store();
-    // The terminal table that belongs to a specification table.
+    // The terminal table that belongs to a type's spec table.
     static QString TermTable(const QString& table);
 
     int m_nLastHandle = 0;

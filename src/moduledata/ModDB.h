@@ -13,7 +13,7 @@ struct IndexData {
     QString Manufacturer;
     QString Series;     // empty on a manufacturer-only row
     QString Type;       // empty on a series-only row
-    QString TableName;  // the specification table of a type
+    QString TableName;  // the spec table of a type
 };
 
 // One terminal row of a module.
@@ -24,7 +24,7 @@ struct ModTermData {
     QString Special;
 };
 
-// One module specification: 22 texts. A "value" field holds a number and an
+// One module spec: 22 texts. A "value" field holds a number and an
 // optional unit, separated by one blank, or nothing when the number is unset.
 struct ModSpecData {
     static constexpr int kFieldCount = 22;

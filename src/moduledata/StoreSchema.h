@@ -5,7 +5,7 @@
 class SqliteDb;
 
 // The tables of a module database file and their versions, kept in user_version.
-// Version 1 lacks the last two specification fields; version 2 has all of them.
+// Version 1 lacks the last two spec fields; version 2 has all of them.
 namespace StoreSchema {
 
 constexpr int kFirstVersion = 1;
@@ -13,7 +13,7 @@ constexpr int kCurrentVersion = 2;
 // Long enough to ride out another program's save, short enough not to hang the host.
 constexpr int kBusyTimeoutMs = 3000;
 
-// Specification fields that a file of the version holds, in record order.
+// Spec fields that a file of the version holds, in record order.
 int SpecFieldCount(int version);
 
 // Makes a new database file of the version; fails when the file exists.

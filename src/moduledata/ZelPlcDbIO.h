@@ -54,7 +54,7 @@ public:
     bool GetTypeTableName(const QString& manufacturer, const QString& series, const QString& type,
                           QString& table);
 
-    // Specification rows of a type's table.
+    // Spec rows of a type's table.
     bool DoesSpecDataExist(const QString& table, const QString& code, bool& exists);
     bool GetArrayOfModSpecCodes(const QString& table, QStringList& codes);
     bool GetModSpecData(const QString& table, const QString& code, ModDB::ModSpecData& record,

@@ -1,4 +1,4 @@
-// Specification, terminal, style box and prompt rows.
+// Spec, terminal, style box and prompt rows.
 #include "ZelPlcDbIO.h"
 
 #include "SqliteDb.h"
@@ -19,7 +19,7 @@ QString Quoted(const char* name) {
     return QLatin1Char('"') + QLatin1String(name) + QLatin1Char('"');
 }
 
-// "name" or "name" = ?n for the specification fields from place first on; field place
+// "name" or "name" = ?n for the spec fields from place first on; field place
 // p binds as parameter p + 3, behind the table and the code key.
 QString SpecColumns(int first, int count, bool assign) {
     QStringList columns;

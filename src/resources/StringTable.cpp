@@ -63,7 +63,7 @@ constexpr Entry kTable[] = {
     {4021, u"Paste Module"},
     {4022, u"Catalog number of the pasted module:"},
 
-    // Module specification dialogs: address base entries, in drop-down order. The
+    // Module data dialogs: address base entries, in drop-down order. The
     // default file selects an entry by its beginning, so each starts with its keyword.
     {4023, u"Octal"},
     {4024, u"Decimal"},
@@ -73,7 +73,7 @@ constexpr Entry kTable[] = {
     // Module tree: the root item.
     {4027, u"PLC Modules"},
 
-    // Module specification dialogs: direction entries (both bits, bit 1, bit 0) and the
+    // Module data dialogs: direction entries (both bits, bit 1, bit 0) and the
     // text for neither bit, which is no entry of the list and so must differ from them.
     {4028, u"Input and Output"},
     {4029, u"Output"},
@@ -98,10 +98,10 @@ constexpr Entry kTable[] = {
     // Terminal block definitions: caption of the file-not-found question.
     {10011, u"File Not Found"},
 
-    // Module specification dialog: window title.
-    {10029, u"Edit Module Specification"},
+    // Module data dialog: window title.
+    {10029, u"Edit Module Data"},
 
-    // File dialogs: drawing filters (block files and specification files).
+    // File dialogs: drawing filters (block files and the module's drawing files).
     {10032, u"Drawing files (*.SHT *.sht)"},
     {10033, u"Drawing files (*.SHT *.sht);;All files (*)"},
 
