@@ -120,7 +120,7 @@ private:
     int FindHandle(int handle, QString* table = nullptr) const;
     bool ReadModule(const QString& table, const QString& catalog, CKVModule& module,
                     bool bSkipTerms);
-    // Rewrites the spec row and all terminal rows in one transaction; false
+    // Rewrites the module's data row and all its terminal rows in one transaction; false
     // (and nothing changed) when the store refused a step.
     bool WriteModule(CKVModule& module, const QString& table);
     bool WriteModuleSteps(ZelPlcDbIO& store, const CKVModule& module, const QString& table);

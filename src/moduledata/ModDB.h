@@ -13,7 +13,7 @@ struct IndexData {
     QString Manufacturer;
     QString Series;     // empty on a manufacturer-only row
     QString Type;       // empty on a series-only row
-    QString TableName;  // the spec table of a type
+    QString TableName;  // the module table of a type
 };
 
 // One terminal row of a module.

@@ -3,7 +3,7 @@
 #include <QString>
 
 // Upgrade of older database files. The schema version lives in the file; version 1
-// lacks the spec fields SpecTail and DirFlags.
+// lacks the module fields SpecTail and DirFlags.
 using MigrationHelpCallback = void (*)();
 
 // Sets bRequired to whether the file at path is older than this program. A file that

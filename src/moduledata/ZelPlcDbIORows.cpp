@@ -19,7 +19,7 @@ QString Quoted(const char* name) {
     return QLatin1Char('"') + QLatin1String(name) + QLatin1Char('"');
 }
 
-// "name" or "name" = ?n for the spec fields from place first on; field place
+// "name" or "name" = ?n for the module data fields from place first on; field place
 // p binds as parameter p + 3, behind the table and the code key.
 QString SpecColumns(int first, int count, bool assign) {
     QStringList columns;
@@ -50,6 +50,15 @@ QString StyleColumns(const QString& pattern) {
 
 QString Key(const QString& code) {
     return code.toCaseFolded();
+}
+
+// Gives the rows of a code in table another code; sql binds table, old key, new code
+// and new key as ?1 to ?4.
+bool UpdateCode(SqliteDb& db, const QString& sql, const QString& table, const QString& oldCode,
+                const QString& newCode) {
+    SqliteStatement statement = db.prepare(sql);
+    statement.bind(1, table).bind(2, Key(oldCode)).bind(3, newCode).bind(4, Key(newCode));
+    return statement.run();
 }
 
 }  // namespace
@@ -203,11 +212,10 @@ bool ZelPlcDbIO::RenameModSpecData(const QString& table, const QString& oldCode,
     if (taken && Key(newCode) != Key(oldCode)) {
         return Fail(QStringLiteral("%1 exists already in %2").arg(newCode, table));
     }
-    SqliteStatement statement =
-        db->prepare(QStringLiteral("UPDATE plc_spec SET \"Code\" = ?3, code_key = ?4 "
-                                   "WHERE table_name = ?1 AND code_key = ?2"));
-    statement.bind(1, table).bind(2, Key(oldCode)).bind(3, newCode).bind(4, Key(newCode));
-    if (!statement.run()) {
+    if (!UpdateCode(*db,
+                    QStringLiteral("UPDATE plc_spec SET \"Code\" = ?3, code_key = ?4 "
+                                   "WHERE table_name = ?1 AND code_key = ?2"),
+                    table, oldCode, newCode)) {
         return FailDb();
     }
     if (db->changes() == 0) {
@@ -308,11 +316,10 @@ bool ZelPlcDbIO::RenameModTermData(const QString& table, const QString& oldCode,
     if (taken && Key(newCode) != Key(oldCode)) {
         return Fail(QStringLiteral("%1 has rows already in %2").arg(newCode, table));
     }
-    SqliteStatement statement =
-        db->prepare(QStringLiteral("UPDATE plc_term SET code = ?3, code_key = ?4 "
-                                   "WHERE table_name = ?1 AND code_key = ?2"));
-    statement.bind(1, table).bind(2, Key(oldCode)).bind(3, newCode).bind(4, Key(newCode));
-    if (!statement.run()) {
+    if (!UpdateCode(*db,
+                    QStringLiteral("UPDATE plc_term SET code = ?3, code_key = ?4 "
+                                   "WHERE table_name = ?1 AND code_key = ?2"),
+                    table, oldCode, newCode)) {
         return FailDb();
     }
     return transaction.commit() || FailDb();
