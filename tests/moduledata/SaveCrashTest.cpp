@@ -1,7 +1,10 @@
 #include "CKVModuleDB.h"
+#include "SqliteDb.h"
+#include "SqliteStatement.h"
 #include "TestSupport.h"
 #include "ZelPlcDbIO.h"
 
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
@@ -9,7 +12,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
+
+constexpr int kKillsPerWrite = 100;
+constexpr int kImportedModules = 400;
 
 // The row sets that the child program alternates between.
 QStringList RowTexts(QChar prefix, int count) {
@@ -31,6 +39,16 @@ QStringList LoadRowTexts(CKVModuleDB& db, const QString& table, const QString& c
     return texts;
 }
 
+// SQLite's own verdict on the whole file, through a connection of its own.
+QString IntegrityCheck(const QString& path) {
+    SqliteDb db;
+    if (!db.open(path, SqliteOpenMode::ReadOnly)) {
+        return db.lastError();
+    }
+    SqliteStatement statement = db.prepare(QStringLiteral("PRAGMA integrity_check"));
+    return statement.next() ? statement.text(0) : db.lastError();
+}
+
 class SaveCrashTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -39,9 +57,9 @@ protected:
         ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path));
         ZelPlcDbIO::SetInstance(&m_store);
         ASSERT_TRUE(m_db.Open(m_path));
-        const int handle = m_db.NewModule("ACME", "S1", "T1", "CAT-1");
+        const int handle = m_db.NewModule("M", "S", "T", "CAT-1");
         ASSERT_GT(handle, 0);
-        ASSERT_TRUE(m_db.GetTypeTableName("ACME", "S1", "T1", m_table));
+        ASSERT_TRUE(m_db.GetTypeTableName("M", "S", "T", m_table));
         ASSERT_TRUE(m_db.SaveModule(handle));
     }
 
@@ -50,20 +68,43 @@ protected:
         ZelPlcDbIO::SetInstance(nullptr);
     }
 
-    // Starts the child, lets it pass its first save, and kills it a moment later.
-    void RunAndKillChild() {
+    // Starts the child and waits for its "ready". Then, with a delay, kills it up to
+    // that many microseconds later; without one, lets it end. True when the child
+    // finished its write; elapsedUs is the time from "ready" to the end or the kill.
+    bool RunChild(const QStringList& args, int maxDelayUs, qint64* elapsedUs = nullptr) {
         QProcess child;
-        child.start(BuildPath("save_child"), {m_path, m_table, "CAT-1"});
-        ASSERT_TRUE(child.waitForStarted());
+        child.start(BuildPath("store_child"), args);
+        EXPECT_TRUE(child.waitForStarted());
         while (!child.canReadLine()) {
-            ASSERT_TRUE(child.waitForReadyRead()) << child.readAllStandardError().toStdString();
+            if (!child.waitForReadyRead()) {
+                ADD_FAILURE() << child.readAllStandardError().toStdString();
+                return false;
+            }
         }
-        ASSERT_EQ(child.readLine().trimmed(), "ready");
-        // Not a wait for anything: it only spreads the kill over the save's steps.
-        QThread::usleep(QRandomGenerator::global()->bounded(20000));
-        ASSERT_EQ(child.state(), QProcess::Running) << child.readAllStandardError().toStdString();
-        child.kill();
-        ASSERT_TRUE(child.waitForFinished());
+        EXPECT_EQ(child.readLine().trimmed(), "ready");
+        QElapsedTimer clock;
+        clock.start();
+        if (maxDelayUs > 0) {
+            // Not a wait for anything: it only spreads the kill over the write's steps.
+            QThread::usleep(QRandomGenerator::global()->bounded(maxDelayUs));
+            child.kill();
+        }
+        EXPECT_TRUE(child.waitForFinished(120000));
+        if (elapsedUs) {
+            *elapsedUs = clock.nsecsElapsed() / 1000;
+        }
+        const bool done = child.readAllStandardOutput().contains("done");
+        EXPECT_TRUE(child.exitStatus() == QProcess::CrashExit || done)
+            << child.readAllStandardError().toStdString();
+        return done;
+    }
+
+    int CountCatalogs(const QString& prefix) {
+        QList<_idandcatalognum> catalogs;
+        EXPECT_TRUE(m_db.GetCatalogs(m_table, catalogs));
+        return int(std::count_if(catalogs.begin(), catalogs.end(), [&](const auto& catalog) {
+            return catalog.strCatalog.startsWith(prefix);
+        }));
     }
 
     QTemporaryDir m_dir;
@@ -76,17 +117,38 @@ protected:
 TEST_F(SaveCrashTest, AKilledSaveLeavesTheOldOrTheNewRowsNeverAMixOrNone) {
     const QStringList setA = RowTexts(u'A', 2000);
     const QStringList setB = RowTexts(u'B', 1500);
-    for (int run = 0; run < 20; ++run) {
-        RunAndKillChild();
-        if (HasFatalFailure()) {
-            return;
-        }
+    for (int run = 0; run < kKillsPerWrite; ++run) {
+        RunChild({"save", m_path, m_table, "CAT-1"}, 20000);
+        ASSERT_FALSE(HasFailure());
         const QStringList rows = LoadRowTexts(m_db, m_table, "CAT-1");
         ASSERT_TRUE(rows == setA || rows == setB)
             << "run " << run << ": " << rows.size() << " rows, first "
             << rows.value(0).toStdString() << ", last "
             << rows.value(rows.size() - 1).toStdString();
+        ASSERT_EQ(IntegrityCheck(m_path), "ok") << "run " << run;
     }
+}
+
+TEST_F(SaveCrashTest, AKilledImportLeavesAllOrNothingOfTheDocument) {
+    // The first import runs to its end and tells how long a whole import takes here.
+    qint64 importUs = 0;
+    ASSERT_TRUE(RunChild({"import", m_path, "0", QString::number(kImportedModules)}, 0, &importUs));
+    ASSERT_GT(importUs, 0);
+    int completed = 0;
+    for (int run = 1; run <= kKillsPerWrite; ++run) {
+        const QString prefix = QStringLiteral("R%1-").arg(run);
+        const bool done =
+            RunChild({"import", m_path, QString::number(run), QString::number(kImportedModules)},
+                     int(qMin<qint64>(importUs, 2000000)));
+        ASSERT_FALSE(HasFailure());
+        const int count = CountCatalogs(prefix);
+        ASSERT_TRUE(count == 0 || count == kImportedModules) << "run " << run << ": " << count;
+        ASSERT_TRUE(!done || count == kImportedModules) << "run " << run;
+        ASSERT_EQ(IntegrityCheck(m_path), "ok") << "run " << run;
+        completed += count == kImportedModules ? 1 : 0;
+    }
+    // Most kills must land inside an import, or the test proves little.
+    EXPECT_LT(completed, kKillsPerWrite / 2) << completed << " imports ended before the kill";
 }
 
 }  // namespace

@@ -1,0 +1,212 @@
+// A program that writes to a module database until it is done or killed, for the
+// tests of crashes and of two programs writing one file.
+//
+//   store_child save DATABASE TABLE CATALOG
+//       saves one module over and over, alternating between two row sets; prints
+//       "ready" once the first save is done, so that a kill lands on a later save.
+//   store_child import DATABASE RUN COUNT
+//       prints "ready", then imports one document of COUNT modules with the catalogs
+//       "R<RUN>-1" .. "R<RUN>-<COUNT>" under M / S / T, then prints "done".
+//   store_child write DATABASE WRITER COUNT
+//       COUNT writes in turn: an import of a new module "W<WRITER>-I<n>", a save of
+//       the module "W<WRITER>-SAVE" with the one row "w<WRITER>-s<n>", and a rename of
+//       "W<WRITER>-NAME-<k>" to "W<WRITER>-NAME-<k+1>". Prints one line a write:
+//       "ok KIND KEY" or "fail KIND KEY MILLISECONDS REASON". Before the first write it
+//       prints "ready" and waits for a line on its input, so that two writers start
+//       together.
+
+#include "CKVModuleDB.h"
+#include "CatalogDocument.h"
+#include "ZelPlcDbIO.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <cstdio>
+
+namespace {
+
+struct RowSet {
+    char prefix;
+    int count;
+};
+
+constexpr RowSet kRowSets[] = {{'A', 2000}, {'B', 1500}};
+
+void Say(const QString& line) {
+    std::printf("%s\n", line.toUtf8().constData());
+    std::fflush(stdout);
+}
+
+int Refuse(const char* what, CKVModuleDB& db) {
+    std::fprintf(stderr, "%s (code %d): %s\n", what, db.GetLastError(),
+                 qPrintable(ZelPlcDbIO::Instance()->m_strLastError));
+    return 1;
+}
+
+void SetRows(CKVModule& module, const QStringList& rows) {
+    while (module.GetTermCount() > 0) {
+        module.RemoveTerm(module.GetTermCount());
+    }
+    for (const QString& row : rows) {
+        module.SetTermRow(module.GetTermCount() + 1, row);
+    }
+}
+
+QJsonObject Document(const QStringList& catalogs) {
+    QJsonArray modules;
+    for (const QString& catalog : catalogs) {
+        QJsonArray terminals;
+        for (int row = 1; row <= 10; ++row) {
+            terminals.append(QJsonObject{{"text", QStringLiteral("HP?SPACE")},
+                                         {"special", QStringLiteral("TERM_=%1").arg(row)}});
+        }
+        modules.append(QJsonObject{{"manufacturer", "M"},
+                                   {"series", "S"},
+                                   {"type", "T"},
+                                   {"spec", QJsonObject{{"Code", catalog}}},
+                                   {"terminals", terminals}});
+    }
+    return QJsonObject{{"format", "plcdb"}, {"version", 1}, {"modules", modules}};
+}
+
+int SaveForever(CKVModuleDB& db, const QString& table, const QString& catalog) {
+    const int handle = db.LoadModule(table, catalog, true);
+    if (handle < 0) {
+        return Refuse("cannot load the module", db);
+    }
+    CKVModule& module = db.GetModule(handle);
+    for (unsigned long pass = 0;; ++pass) {
+        const RowSet& set = kRowSets[pass % 2];
+        QStringList rows;
+        for (int row = 1; row <= set.count; ++row) {
+            rows << QStringLiteral("%1%2;N=%2").arg(QChar(set.prefix)).arg(row);
+        }
+        SetRows(module, rows);
+        if (!db.SaveModule(handle)) {
+            return Refuse("save failed", db);
+        }
+        if (pass == 0) {
+            Say(QStringLiteral("ready"));
+        }
+    }
+}
+
+int ImportOnce(CKVModuleDB& db, const QString& run, int count) {
+    QStringList catalogs;
+    for (int module = 1; module <= count; ++module) {
+        catalogs << QStringLiteral("R%1-%2").arg(run).arg(module);
+    }
+    const QJsonObject document = Document(catalogs);
+    Say(QStringLiteral("ready"));
+    QString error;
+    if (!CatalogDocument::Import(db, document, &error)) {
+        std::fprintf(stderr, "import failed: %s\n", qPrintable(error));
+        return 1;
+    }
+    Say(QStringLiteral("done"));
+    return 0;
+}
+
+class Writer {
+public:
+    Writer(CKVModuleDB& db, const QString& writer) : m_db(db), m_writer(writer) {}
+
+    int Run(int count) {
+        if (!m_db.GetTypeTableName("M", "S", "T", m_table)) {
+            return Refuse("no table for M / S / T", m_db);
+        }
+        m_save = m_db.LoadModule(m_table, QStringLiteral("W%1-SAVE").arg(m_writer), true);
+        if (m_save < 0) {
+            return Refuse("cannot load the module to save", m_db);
+        }
+        Say(QStringLiteral("ready"));
+        char go[8];
+        if (!std::fgets(go, sizeof go, stdin)) {
+            return 1;
+        }
+        for (int write = 1; write <= count; ++write) {
+            QElapsedTimer clock;
+            clock.start();
+            QString kind;
+            QString key;
+            QString reason;
+            const bool ok = Write(write, kind, key, reason);
+            Say(ok ? QStringLiteral("ok %1 %2").arg(kind, key)
+                   : QStringLiteral("fail %1 %2 %3 %4")
+                         .arg(kind, key)
+                         .arg(clock.elapsed())
+                         .arg(reason));
+        }
+        return 0;
+    }
+
+private:
+    bool Write(int write, QString& kind, QString& key, QString& reason) {
+        switch (write % 3) {
+            case 0: {
+                kind = QStringLiteral("import");
+                key = QStringLiteral("W%1-I%2").arg(m_writer).arg(write);
+                return CatalogDocument::Import(m_db, Document({key}), &reason);
+            }
+            case 1: {
+                kind = QStringLiteral("save");
+                key = QStringLiteral("w%1-s%2").arg(m_writer).arg(write);
+                SetRows(m_db.GetModule(m_save), {key + u';'});
+                return m_db.SaveModule(m_save) || Reason(reason);
+            }
+            default: {
+                kind = QStringLiteral("rename");
+                key = QStringLiteral("W%1-NAME-%2").arg(m_writer).arg(m_renames + 1);
+                const QString old = QStringLiteral("W%1-NAME-%2").arg(m_writer).arg(m_renames);
+                if (!m_db.RenameModule(m_table, old, key)) {
+                    return Reason(reason);
+                }
+                ++m_renames;
+                return true;
+            }
+        }
+    }
+
+    static bool Reason(QString& reason) {
+        reason = ZelPlcDbIO::Instance()->m_strLastError;
+        return false;
+    }
+
+    CKVModuleDB& m_db;
+    QString m_writer;
+    QString m_table;
+    int m_save = -1;
+    int m_renames = 0;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    if (args.size() != 5) {
+        std::fprintf(stderr, "usage: store_child save|import|write DATABASE ARG ARG\n");
+        return 2;
+    }
+    ZelPlcDbIO store;
+    ZelPlcDbIO::SetInstance(&store);
+    CKVModuleDB db;
+    if (!db.Open(args[2])) {
+        return Refuse("cannot open the database", db);
+    }
+    const QString& mode = args[1];
+    if (mode == QStringLiteral("save")) {
+        return SaveForever(db, args[3], args[4]);
+    }
+    if (mode == QStringLiteral("import")) {
+        return ImportOnce(db, args[3], args[4].toInt());
+    }
+    if (mode == QStringLiteral("write")) {
+        return Writer(db, args[3]).Run(args[4].toInt());
+    }
+    std::fprintf(stderr, "unknown mode %s\n", qPrintable(mode));
+    return 2;
+}

@@ -1,0 +1,134 @@
+#include "CKVModuleDB.h"
+#include "SqliteDb.h"
+#include "SqliteStatement.h"
+#include "StoreSchema.h"
+#include "TestSupport.h"
+#include "ZelPlcDbIO.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr int kWritesPerWriter = 500;
+
+// What one writer reported: its successful writes by kind, and its failures.
+struct WriterReport {
+    QStringList imports;
+    QString lastSave;
+    int renames = 0;
+    QStringList failures;
+};
+
+// Reads the lines of store_child's write mode; a failure counts when it gave up
+// before the busy timeout, as it then did not wait for the other writer's lock.
+WriterReport ReadReport(const QByteArray& output) {
+    WriterReport report;
+    for (const QByteArray& raw : output.split('\n')) {
+        const QStringList words = QString::fromUtf8(raw).split(u' ');
+        if (words.size() >= 3 && words[0] == QStringLiteral("ok")) {
+            if (words[1] == QStringLiteral("import")) {
+                report.imports << words[2];
+            } else if (words[1] == QStringLiteral("save")) {
+                report.lastSave = words[2];
+            } else {
+                ++report.renames;
+            }
+        } else if (words.size() >= 4 && words[0] == QStringLiteral("fail") &&
+                   words[3].toInt() < StoreSchema::kBusyTimeoutMs) {
+            report.failures << QString::fromUtf8(raw);
+        }
+    }
+    return report;
+}
+
+QString IntegrityCheck(const QString& path) {
+    SqliteDb db;
+    if (!db.open(path, SqliteOpenMode::ReadOnly)) {
+        return db.lastError();
+    }
+    SqliteStatement statement = db.prepare(QStringLiteral("PRAGMA integrity_check"));
+    return statement.next() ? statement.text(0) : db.lastError();
+}
+
+class TwoWritersTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(m_dir.isValid());
+        m_path = m_dir.filePath("ZEL_PLC.MDB");
+        ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path));
+        ZelPlcDbIO::SetInstance(&m_store);
+        // Held open all along, as the tree of an open dialog holds its store.
+        ASSERT_TRUE(m_db.Open(m_path));
+        for (const char* catalog : {"W1-SAVE", "W2-SAVE", "W1-NAME-0", "W2-NAME-0"}) {
+            const int handle = m_db.NewModule("M", "S", "T", catalog);
+            ASSERT_GT(handle, 0);
+            ASSERT_TRUE(m_db.SaveModule(handle));
+        }
+        ASSERT_TRUE(m_db.GetTypeTableName("M", "S", "T", m_table));
+    }
+
+    void TearDown() override {
+        m_db.Close();
+        ZelPlcDbIO::SetInstance(nullptr);
+    }
+
+    QStringList Rows(const QString& catalog) {
+        const int handle = m_db.LoadModule(m_table, catalog, false);
+        QStringList texts;
+        const CKVModule& module = m_db.GetModule(handle);
+        for (int row = 1; row <= module.GetTermCount(); ++row) {
+            texts << module.GetTermText(row);
+        }
+        m_db.ReleaseModule(handle);
+        return texts;
+    }
+
+    QTemporaryDir m_dir;
+    QString m_path;
+    QString m_table;
+    ZelPlcDbIO m_store;
+    CKVModuleDB m_db;
+};
+
+TEST_F(TwoWritersTest, InterleavedImportsSavesAndRenamesAllLandAndNoneGivesUpEarly) {
+    QProcess writers[2];
+    for (int w = 0; w < 2; ++w) {
+        writers[w].start(BuildPath("store_child"), {"write", m_path, QString::number(w + 1),
+                                                    QString::number(kWritesPerWriter)});
+        ASSERT_TRUE(writers[w].waitForStarted());
+    }
+    for (QProcess& writer : writers) {
+        while (!writer.canReadLine()) {
+            ASSERT_TRUE(writer.waitForReadyRead()) << writer.readAllStandardError().toStdString();
+        }
+        ASSERT_EQ(writer.readLine().trimmed(), "ready");
+    }
+    for (QProcess& writer : writers) {
+        writer.write("go\n");
+        ASSERT_TRUE(writer.waitForBytesWritten());
+    }
+    for (QProcess& writer : writers) {
+        ASSERT_TRUE(writer.waitForFinished(300000));
+        ASSERT_EQ(writer.exitCode(), 0) << writer.readAllStandardError().toStdString();
+    }
+    ASSERT_EQ(IntegrityCheck(m_path), "ok");
+    for (int w = 0; w < 2; ++w) {
+        const QString writer = QString::number(w + 1);
+        const WriterReport report = ReadReport(writers[w].readAllStandardOutput());
+        EXPECT_EQ(report.failures, QStringList()) << "writer " << w + 1;
+        // Every third write is an import, save or rename; each that said ok is there.
+        EXPECT_EQ(report.imports.size(), kWritesPerWriter / 3) << "writer " << w + 1;
+        for (const QString& catalog : report.imports) {
+            EXPECT_TRUE(m_db.ModuleExists(m_table, catalog)) << catalog.toStdString();
+        }
+        EXPECT_EQ(Rows(QStringLiteral("W%1-SAVE").arg(writer)), QStringList{report.lastSave});
+        const QString renamed = QStringLiteral("W%1-NAME-%2").arg(writer).arg(report.renames);
+        EXPECT_TRUE(m_db.ModuleExists(m_table, renamed)) << renamed.toStdString();
+        EXPECT_EQ(report.renames, (kWritesPerWriter + 1) / 3) << "writer " << w + 1;
+    }
+}
+
+}  // namespace
