@@ -92,13 +92,14 @@ private:
 bool CKVModuleDB::GetHierarchy(QList<_manfams>& hierarchy) {
     hierarchy.clear();
     ZelPlcDbIO* store = Store();
-    QList<ModDB::IndexData> rows;
-    if (store == nullptr || !store->GetArrayOfAllIndexData(rows)) {
+    if (store == nullptr) {
         return false;
     }
+    // Built while the rows are read, without a list of them all.
     HierarchyBuilder builder(hierarchy);
-    for (const ModDB::IndexData& row : rows) {
-        builder.Add(row);
+    if (!store->VisitAllIndexData([&builder](const ModDB::IndexData& row) { builder.Add(row); })) {
+        hierarchy.clear();
+        return false;
     }
     builder.CloseManufacturer();
     return true;

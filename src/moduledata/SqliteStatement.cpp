@@ -98,13 +98,16 @@ bool SqliteStatement::run() {
 }
 
 QString SqliteStatement::text(int column) const {
-    const void* data = m_statement ? sqlite3_column_text16(m_statement, column) : nullptr;
+    const QByteArrayView bytes = utf8(column);
+    return bytes.data() ? QString::fromUtf8(bytes) : QStringLiteral("");
+}
+
+QByteArrayView SqliteStatement::utf8(int column) const {
+    const unsigned char* data = m_statement ? sqlite3_column_text(m_statement, column) : nullptr;
     if (!data) {
-        return QStringLiteral("");
+        return {};
     }
-    const int bytes = sqlite3_column_bytes16(m_statement, column);
-    return QString::fromUtf16(static_cast<const char16_t*>(data),
-                              static_cast<qsizetype>(bytes / sizeof(char16_t)));
+    return {data, sqlite3_column_bytes(m_statement, column)};
 }
 
 int SqliteStatement::toInt(int column) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QString>
 
 struct sqlite3_stmt;
@@ -37,6 +38,8 @@ public:
 
     // Columns of the current row. A NULL reads as an empty text or 0.
     QString text(int column) const;
+    // The stored bytes of a text column, valid until the next step.
+    QByteArrayView utf8(int column) const;
     int toInt(int column) const;
     qint64 toInt64(int column) const;
     double toDouble(int column) const;

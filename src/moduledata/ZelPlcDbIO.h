@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 class SqliteDb;
@@ -45,6 +46,9 @@ public:
 
     // Index.
     bool GetArrayOfAllIndexData(QList<ModDB::IndexData>& rows);
+    // The same rows in the same order, each handed to visit as it is read, without a
+    // list of them all. When this fails the rows handed so far are void.
+    bool VisitAllIndexData(const std::function<void(const ModDB::IndexData&)>& visit);
     bool DoesIndexDataExist(const QString& manufacturer, const QString& series, const QString& type,
                             bool& exists);
     bool AddIndexData(const QString& manufacturer, const QString& series, const QString& type);

@@ -34,6 +34,29 @@ const char* const kMatch =
     " AND (?4 < 2 OR (level >= 2 AND series_key = ?2))"
     " AND (?4 < 3 OR (level = 3 AND type_key = ?3))";
 
+// Reads a column whose text mostly repeats that of the row before: a repeated text
+// shares the string read for the first row instead of being read again.
+class RepeatedText {
+public:
+    explicit RepeatedText(int column) : m_column(column) {}
+
+    const QString& read(const SqliteStatement& statement) {
+        const QByteArrayView bytes = statement.utf8(m_column);
+        if (!m_read || bytes != m_bytes) {
+            m_bytes = bytes.toByteArray();
+            m_text = statement.text(m_column);
+            m_read = true;
+        }
+        return m_text;
+    }
+
+private:
+    int m_column;
+    bool m_read = false;
+    QByteArray m_bytes;
+    QString m_text;
+};
+
 QString Sql(const char* head, const char* tail = "") {
     return QLatin1String(head) + QLatin1String(kMatch) + QLatin1String(tail);
 }
@@ -56,22 +79,35 @@ void ZelPlcDbIO::BindLevel(SqliteStatement& statement, const IndexLevel& level) 
 
 bool ZelPlcDbIO::GetArrayOfAllIndexData(QList<ModDB::IndexData>& rows) {
     rows.clear();
+    if (!VisitAllIndexData([&rows](const ModDB::IndexData& row) { rows.append(row); })) {
+        rows.clear();
+        return false;
+    }
+    return true;
+}
+
+bool ZelPlcDbIO::VisitAllIndexData(const std::function<void(const ModDB::IndexData&)>& visit) {
     SqliteDb* db = Connection();
     if (!db) {
         return false;
     }
-    // A manufacturer's own row comes before its series, a series' own row before its types.
+    // The order of the unique key, so that no sort is needed: the names below the level
+    // of a row are empty, so a manufacturer's own row comes before its series and a
+    // series' own row before its types.
     SqliteStatement statement = db->prepare(
         QStringLiteral("SELECT manufacturer, series, type, table_name FROM plc_index ORDER BY "
-                       "manufacturer_key, level > 1, series_key, level > 2, type_key, id"));
+                       "manufacturer_key, series_key, type_key, level"));
+    RepeatedText manufacturer(0);
+    RepeatedText series(1);
+    ModDB::IndexData row;
     while (statement.next()) {
-        rows.append({statement.text(0), statement.text(1), statement.text(2), statement.text(3)});
+        row.Manufacturer = manufacturer.read(statement);
+        row.Series = series.read(statement);
+        row.Type = statement.text(2);
+        row.TableName = statement.text(3);
+        visit(row);
     }
-    if (statement.failed()) {
-        rows.clear();
-        return FailDb();
-    }
-    return true;
+    return !statement.failed() || FailDb();
 }
 
 bool ZelPlcDbIO::FindIndexRows(const IndexLevel& level, bool& exists) {

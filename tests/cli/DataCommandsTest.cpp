@@ -73,6 +73,19 @@ TEST(DataCommands, ADuplicateCatalogWritesNothing) {
     EXPECT_EQ(Export(database), before);
 }
 
+TEST(DataCommands, ImportRefusesTheReservedField) {
+    QTemporaryDir dir;
+    const QString database = NewDatabase(dir, QStringLiteral("reserved.db"));
+    const QJsonObject before = Export(database);
+    const QByteArray reserved = R"({"format":"plcdb","version":1,"modules":[
+        {"manufacturer":"M","series":"S","type":"T","spec":{"Code":"C1","Reserved":"x"}}]})";
+    const PlcdbRun run = RunPlcdb({"--db", database, "import", "-"}, reserved);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains(QStringLiteral(R"(unknown field "Reserved")")))
+        << qPrintable(run.err);
+    EXPECT_EQ(Export(database), before);
+}
+
 TEST(DataCommands, ListShowsTheTreeWithItsCatalogs) {
     const PlcdbRun run = RunPlcdb({"--db", SampleDatabase(), "list"});
     ASSERT_EQ(run.status, 0) << qPrintable(run.err);

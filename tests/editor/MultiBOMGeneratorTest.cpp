@@ -28,6 +28,9 @@ TEST(MultiBOMGeneratorTest, ParseCollectsItemsByNumber) {
         // Numbers compare as text, and a later key overwrites an earlier one.
         {"CNT01=2;CNT1=3;CNT1=4", R"((("" "" "" "2" "" "")("" "" "" "4" "" "")))", R"(("01" "1"))"},
         {"UM4=m;ASSYCODE4=q;MFG4=;", R"((("" "" "q" "" "m" "")))", R"(("4"))"},
+        // The prefixes match in capitals only: other spellings are no keys at all.
+        {"mfg1=a;Cat1=b;assycode1=c;cNT1=d;um1=e;KvBlkNam1=f", "", ""},
+        {"CAT1=C;cat1=c;Mfg1=m", R"((("" "C" "" "" "" "")))", R"(("1"))"},
     };
     for (const auto& c : cases) {
         MultiBOMGenerator generator;

@@ -83,3 +83,14 @@ TEST_F(CatalogDocumentTest, AnyErrorWritesNothing) {
         EXPECT_EQ(exported(), empty) << json;
     }
 }
+
+TEST_F(CatalogDocumentTest, TheReservedFieldIsRefusedAsUnknown) {
+    const QJsonObject empty = exported();
+    QString error;
+    EXPECT_FALSE(import(R"({"format":"plcdb","version":1,
+        "modules":[{"manufacturer":"M","series":"S","type":"T",
+                    "spec":{"Code":"C1","Reserved":"x"}}]})",
+                        &error));
+    EXPECT_EQ(error, R"(modules[0].spec has an unknown field "Reserved")");
+    EXPECT_EQ(exported(), empty);
+}

@@ -155,6 +155,21 @@ TEST_F(ZelPlcDbIOTest, IndexComesGroupedAndSortedWithoutRegardToCase) {
     EXPECT_FALSE(rows.first().Series.isNull());
 }
 
+TEST_F(ZelPlcDbIOTest, EmptyNamesComeFirstYetBelowTheRowAboveThem) {
+    addType("M", "S", "");
+    addType("M", "", "T");
+    addType("M", "", "");
+    QList<ModDB::IndexData> rows;
+    ASSERT_TRUE(m_store.GetArrayOfAllIndexData(rows));
+    QStringList got;
+    for (const ModDB::IndexData& row : rows) {
+        got << QStringList{row.Manufacturer, row.Series, row.Type}.join('|') +
+                   (row.TableName.isEmpty() ? "" : "*");
+    }
+    // A type row is marked by its table.
+    EXPECT_EQ(got, QStringList({"M||", "M||", "M||*", "M||T*", "M|S|", "M|S|*"}));
+}
+
 TEST_F(ZelPlcDbIOTest, NamesAreUniquePerLevelWithoutRegardToCaseUnicodeIncluded) {
     EXPECT_TRUE(m_store.AddIndexData("ÄRGER", QString(), QString()));
     EXPECT_FALSE(m_store.AddIndexData("ärger", QString(), QString()));

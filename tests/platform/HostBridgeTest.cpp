@@ -155,6 +155,31 @@ TEST_F(HostBridgeTest, SearchPathListFollowsFoldersAndBothPlaceholders) {
     EXPECT_TRUE(m_reports.isEmpty());
 }
 
+TEST_F(HostBridgeTest, APlaceholderThatFindsNothingLetsTheSearchGoOn) {
+    Touch(path("own/A.SHT"));
+    Touch(path("own/C.SHT"));
+    Touch(path("lib1/C.SHT"));
+    const QString host = LoadResString(6000);
+    const QString library = LoadResString(6001);
+    const struct {
+        QStringList list;
+        QString name;
+        QString found;
+    } cases[] = {
+        {{library, path("own")}, "A.SHT", path("own/A.SHT")},
+        {{host, path("own")}, "A.SHT", path("own/A.SHT")},
+        {{library, host, "<other>", path("none"), path("own")}, "A.SHT", path("own/A.SHT")},
+        // The first entry that has the file wins.
+        {{library, path("own")}, "C.SHT", path("lib1/C.SHT")},
+        {{path("own"), library}, "C.SHT", path("own/C.SHT")},
+    };
+    for (const auto& c : cases) {
+        QString out;
+        EXPECT_TRUE(SearchPathList(c.name, out, c.list)) << c.list.join(u'|').toStdString();
+        EXPECT_EQ(out, c.found) << c.list.join(u'|').toStdString();
+    }
+}
+
 TEST_F(HostBridgeTest, MessagesAreTranslatedByKey) {
     QString text = QStringLiteral("SLOT");
     EXPECT_TRUE(TranslateMessage(QStringLiteral("PROMPT_SLOT"), text));
