@@ -1,5 +1,6 @@
 #include "CliOptions.h"
 
+#include <QFileInfo>
 #include <QMap>
 
 namespace {
@@ -69,6 +70,10 @@ bool CliOptions::parse(const QStringList& args, QString* error) {
         }
     }
     return true;
+}
+
+QString CliOptions::FullPath(const QString& typed) {
+    return typed.isEmpty() ? typed : QFileInfo(typed).absoluteFilePath();
 }
 
 QString CliOptions::MainHelp() {

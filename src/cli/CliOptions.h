@@ -21,6 +21,10 @@ struct CliOptions {
     // False and a message in error when an option lacks its value.
     bool parse(const QStringList& args, QString* error);
 
+    // A path of the command line as the program uses it: relative to the current folder,
+    // made absolute. Messages name the path as the user typed it.
+    static QString FullPath(const QString& typed);
+
     static QString MainHelp();
     // The help of a command, or a null text for a command that does not exist.
     static QString CommandHelp(const QString& command);

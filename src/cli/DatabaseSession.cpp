@@ -14,12 +14,12 @@ DatabaseSession::~DatabaseSession() {
     ZelPlcDbIO::SetInstance(nullptr);
 }
 
-bool DatabaseSession::open(const CliOptions& options, QString* error) {
+bool DatabaseSession::open(const CliOptions& options, QString* error, bool bWithHost) {
     QString path = options.database;
+    if ((path.isEmpty() || bWithHost) && !m_host.startHost(options, error)) {
+        return false;
+    }
     if (path.isEmpty()) {
-        if (!m_host.startHost(options, error)) {
-            return false;
-        }
         DeclareLispFunction(QStringLiteral("kv_fio_does_file_exist"));
         DeclareLispFunction(QStringLiteral("kv_fio_does_file_exist_error"));
         if (!FindDatabaseFile(path)) {
@@ -31,7 +31,7 @@ bool DatabaseSession::open(const CliOptions& options, QString* error) {
         *error = QStringLiteral("the database %1 does not exist").arg(path);
         return false;
     }
-    if (!m_db.Open(path)) {
+    if (!m_db.Open(CliOptions::FullPath(path))) {
         *error = QStringLiteral("cannot open the database %1 (code %2)")
                      .arg(path)
                      .arg(m_db.GetLastError());

@@ -15,8 +15,9 @@ public:
     DatabaseSession(const DatabaseSession&) = delete;
     DatabaseSession& operator=(const DatabaseSession&) = delete;
 
-    // False and a reason when there is no database or it cannot be opened.
-    bool open(const CliOptions& options, QString* error);
+    // False and a reason when there is no database or it cannot be opened. With bWithHost
+    // the host runs also for a given file, for callers whose numbers it formats.
+    bool open(const CliOptions& options, QString* error, bool bWithHost = false);
     CKVModuleDB& db() { return m_db; }
     bool readOnly() const { return m_db.GetLastError() == CKVModuleDB::kErrReadOnly; }
 

@@ -56,7 +56,7 @@ bool HostSession::configure(const CliOptions& options, StandaloneHostConfig& con
         }
         config.linearPrecision = precision;
     }
-    config.fileAnswer = options.fileAnswer;
+    config.fileAnswer = CliOptions::FullPath(options.fileAnswer);
     return true;
 }
 
@@ -77,7 +77,7 @@ bool HostSession::start(const CliOptions& options, QString* error) {
     }
     const QString plugin = options.plugin.isEmpty()
                                ? QDir(QCoreApplication::applicationDirPath()).filePath("zel_mb")
-                               : options.plugin;
+                               : CliOptions::FullPath(options.plugin);
     m_plugin = std::make_unique<PluginLoader>(*m_host);
     return m_plugin->load(plugin, error);
 }

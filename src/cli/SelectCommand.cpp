@@ -7,6 +7,7 @@
 #include "DatabaseSession.h"
 #include "HostSession.h"
 #include "LispText.h"
+#include "SelectionChoices.h"
 #include "SelectionList.h"
 
 #include <cstdio>
@@ -103,7 +104,8 @@ void PrintAnswer(const HostValue& chain) {
 int SelectWithoutDialog(const CliOptions& options, const SelectOptions& select) {
     DatabaseSession session;
     QString error;
-    if (!session.open(options, &error)) {
+    // The host formats the numbers of the list, as it does for the dialog.
+    if (!session.open(options, &error, true)) {
         return Fail(error, kCancelled);
     }
     CatalogPath path;
@@ -121,9 +123,14 @@ int SelectWithoutDialog(const CliOptions& options, const SelectOptions& select) 
     session.db().ReleaseModule(handle);
     module.SetManufacturer(path.manufacturer);
     module.SetTableName(path.table);
+    // The dialog's rules for the choices, as if they had come from the Lisp side.
+    SelectionChoices choices;
+    choices.SetStyle(select.style);
+    choices.SetScale(select.scale);
+    choices.SetHorizontal(select.horizontal);
+    choices.SetExtra(select.extra);
     HostValue answer;
-    if (!BuildSelectionAnswer(module, &session.db(), select.style, select.groupB, select.horizontal,
-                              select.scale, select.extra, answer)) {
+    if (!BuildSelectionAnswer(module, &session.db(), choices, select.groupB, answer)) {
         std::printf("nil\n");
         return kCancelled;
     }
@@ -131,15 +138,16 @@ int SelectWithoutDialog(const CliOptions& options, const SelectOptions& select) 
     return 0;
 }
 
-int SelectWithDialog(const CliOptions& options, const SelectOptions& select) {
+int SelectWithDialog(const CliOptions& options, const SelectOptions& select, HostUi& screen) {
     HostSession session;
     QString error;
     if (!session.start(options, &error)) {
         return Fail(error, kCancelled);
     }
+    session.host().setUi(&screen);
     HostValue args;
     args.begin().shortInt(0);
-    options.database.isEmpty() ? args.nil() : args.string(options.database);
+    options.database.isEmpty() ? args.nil() : args.string(CliOptions::FullPath(options.database));
     select.lock ? args.shortInt(1) : args.nil();
     args.string(QString::number(select.style));
     args.string(select.horizontal ? QStringLiteral("H") : QStringLiteral("V"));
@@ -160,7 +168,7 @@ int SelectWithDialog(const CliOptions& options, const SelectOptions& select) {
 
 }  // namespace
 
-int RunSelectCommand(const CliOptions& options, bool hasDisplay) {
+int RunSelectCommand(const CliOptions& options, HostUi* screen) {
     SelectOptions select;
     QString error;
     if (!ParseSelectOptions(options.arguments, select, error)) {
@@ -169,11 +177,11 @@ int RunSelectCommand(const CliOptions& options, bool hasDisplay) {
     if (select.headless()) {
         return SelectWithoutDialog(options, select);
     }
-    if (!hasDisplay) {
+    if (!screen) {
         return Fail(QStringLiteral("there is no display for the selection dialog; choose the "
                                    "module on the command line instead: plcdb select "
                                    "--manufacturer M --series S --type T --catalog C"),
                     kUsage);
     }
-    return SelectWithDialog(options, select);
+    return SelectWithDialog(options, select, *screen);
 }

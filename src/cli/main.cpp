@@ -104,7 +104,7 @@ int main(int argc, char** argv) {
     }
     int status = 0;
     if (options.command == QStringLiteral("select")) {
-        status = RunSelectCommand(options, hasDisplay);
+        status = RunSelectCommand(options, hasDisplay ? &screen : nullptr);
     } else {
         HostSession session;
         if (!session.start(options, &error)) {

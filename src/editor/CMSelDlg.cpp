@@ -1,7 +1,7 @@
 #include "CMSelDlg.h"
 
 #include "CModuleTree.h"
-#include "CrtNumbers.h"
+#include "CPathLabel.h"
 #include "DialogControls.h"
 #include "HostBridge.h"
 #include "HostServices.h"
@@ -19,20 +19,24 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStyledItemDelegate>
 #include <QTimer>
+#include <QToolTip>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr int kStyleCount = 9;
+constexpr int kStyleCount = SelectionChoices::kStyleCount;
 constexpr int kPreviewWidth = 162;
 constexpr int kPreviewHeight = 115;
 constexpr int kNoPreviewBitmap = 201;
@@ -53,6 +57,41 @@ void AppendLines(const QString& file, const QStringList& lines) {
     out.Close();
 }
 
+// Tab stops at the checked button of a radio group only, as on any desktop; the arrow
+// keys move within the group.
+void TabStopWhenChecked(QAbstractButton* radio) {
+    const auto apply = [radio](bool bChecked) {
+        radio->setFocusPolicy(bChecked ? Qt::StrongFocus : Qt::ClickFocus);
+    };
+    apply(radio->isChecked());
+    QObject::connect(radio, &QAbstractButton::toggled, radio, apply);
+}
+
+// Shows the full text of a list cell as its tooltip when the cell is too narrow for it.
+class TruncatedCellTips : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override {
+        if (event->type() != QEvent::ToolTip) {
+            return QStyledItemDelegate::helpEvent(event, view, option, index);
+        }
+        QStyleOptionViewItem cell = option;
+        initStyleOption(&cell, index);
+        const QStyle* style = view->style();
+        const QRect textRect = style->subElementRect(QStyle::SE_ItemViewItemText, &cell, view);
+        // The style keeps a margin on each side of the text.
+        const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, view) + 1;
+        if (cell.fontMetrics.horizontalAdvance(cell.text) <= textRect.width() - 2 * margin) {
+            QToolTip::hideText();
+            return true;
+        }
+        QToolTip::showText(event->globalPos(), cell.text, view->viewport(), option.rect);
+        return true;
+    }
+};
+
 }  // namespace
 
 CMSelDlg::CMSelDlg(QWidget* parent) : QDialog(parent) {
@@ -71,14 +110,16 @@ void CMSelDlg::BuildControls() {
     m_btnVertical = new QRadioButton(QStringLiteral("V"), this);
     m_btnHorizontal = new QRadioButton(QStringLiteral("H"), this);
     m_cboScale = new QComboBox(this);
+    // Made editable at once, so that its line edit follows it in the tab chain.
+    m_cboScale->setEditable(true);
     m_chkExtra = new QCheckBox(tr("Extra"), this);
     m_btnExtract = new QPushButton(tr("PLC Data..."), this);
-    m_stcDbPath = new QLabel(this);
+    m_stcDbPath = new CPathLabel(this);
     m_stcTable = new QLabel(this);
     auto* buttons = new QDialogButtonBox(
         QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::Help, this);
     m_btnOK = buttons->button(QDialogButtonBox::Ok);
-    auto* report = new QPushButton(tr("Prompt Report"), this);
+    m_btnPromptReport = new QPushButton(tr("Prompt Report"), this);
 
     SetControlId(m_tree, kIdTree);
     SetControlId(m_lstCatalogs, kIdList);
@@ -92,8 +133,9 @@ void CMSelDlg::BuildControls() {
     SetControlId(m_stcDbPath, kIdDbPath);
     SetControlId(m_stcTable, kIdTable);
     SetControlId(m_btnOK, kIdOk);
+    SetControlId(buttons->button(QDialogButtonBox::Cancel), kIdCancel);
     SetControlId(buttons->button(QDialogButtonBox::Help), kIdHelp);
-    SetControlId(report, kIdPromptReport);
+    SetControlId(m_btnPromptReport, kIdPromptReport);
 
     auto* styleBox = new QGroupBox(this);
     auto* styleGrid = new QGridLayout(styleBox);
@@ -101,14 +143,16 @@ void CMSelDlg::BuildControls() {
         auto* radio = new QRadioButton(QString::number(style), styleBox);
         SetControlId(radio, kIdStyleFirst + style - 1);
         m_styles->addButton(radio, style - 1);
+        TabStopWhenChecked(radio);
         styleGrid->addWidget(radio, (style - 1) / 3, (style - 1) % 3);
     }
     auto* orientBox = new QGroupBox(this);
     auto* orientLayout = new QHBoxLayout(orientBox);
     orientLayout->addWidget(m_btnVertical);
     orientLayout->addWidget(m_btnHorizontal);
+    TabStopWhenChecked(m_btnVertical);
+    TabStopWhenChecked(m_btnHorizontal);
 
-    m_cboScale->setEditable(true);
     m_cboScale->addItems({QStringLiteral("0.5"), QStringLiteral("0.75"), QStringLiteral("1.0"),
                           QStringLiteral("1.5"), QStringLiteral("2.0")});
     m_stcPreview->setFixedSize(ScaledX(kPreviewWidth), ScaledY(kPreviewHeight));
@@ -116,6 +160,7 @@ void CMSelDlg::BuildControls() {
     m_lstCatalogs->setRootIsDecorated(false);
     m_lstCatalogs->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_lstCatalogs->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_lstCatalogs->setItemDelegate(new TruncatedCellTips(m_lstCatalogs));
     m_tree->setMinimumWidth(ScaledX(220));
 
     auto* right = new QVBoxLayout;
@@ -132,7 +177,7 @@ void CMSelDlg::BuildControls() {
     options->addWidget(m_cboScale);
     options->addWidget(m_chkExtra);
     options->addWidget(m_btnExtract);
-    options->addWidget(report);
+    options->addWidget(m_btnPromptReport);
     options->addStretch();
     choices->addLayout(options);
     right->addLayout(choices);
@@ -147,8 +192,7 @@ void CMSelDlg::BuildControls() {
 
     connect(buttons, &QDialogButtonBox::accepted, this, &CMSelDlg::OnOK);
     connect(buttons, &QDialogButtonBox::rejected, this, &CMSelDlg::reject);
-    connect(buttons, &QDialogButtonBox::helpRequested, this,
-            [] { HostHelp(QString(), QStringLiteral("plc_selection"), 0); });
+    connect(buttons, &QDialogButtonBox::helpRequested, this, &CMSelDlg::ShowHelp);
     connect(m_tree, &CModuleTree::moduleSelectionChanged, this, &CMSelDlg::OnTreeSelectionChanged);
     connect(m_tree, &QTreeWidget::itemDoubleClicked, this,
             [this](QTreeWidgetItem* item) { OnTreeDoubleClick(item); });
@@ -161,13 +205,31 @@ void CMSelDlg::BuildControls() {
             [this] { ShowPreview(CheckedStyle(), 2); });
     connect(m_btnHorizontal, &QRadioButton::clicked, this,
             [this] { ShowPreview(CheckedStyle(), 1); });
-    connect(m_btnExtract, &QPushButton::clicked, this, [this] {
-        HostValue call;
-        call.string(QStringLiteral("kv_plca_plc_xtr")).shortInt(1);
-        HostInvoke(call, nullptr);
-        m_btnExtract->setFocus();
+    connect(m_btnExtract, &QPushButton::clicked, this, &CMSelDlg::OnExtract);
+    connect(m_btnPromptReport, &QPushButton::clicked, this, &CMSelDlg::OnPromptReport);
+    SetTabOrder(buttons);
+}
+
+void CMSelDlg::SetTabOrder(QDialogButtonBox* buttons) {
+    // Tab walks the dialog as it reads: tree, list, styles, orientation, scale, extra,
+    // then the buttons from the top and, in the bottom row, from the left.
+    QList<QWidget*> order = {m_tree, m_lstCatalogs};
+    for (QAbstractButton* style : m_styles->buttons()) {
+        order << style;
+    }
+    order << m_btnVertical << m_btnHorizontal << m_cboScale << m_chkExtra << m_btnExtract
+          << m_btnPromptReport;
+    // The button box places its buttons by the platform's habit, not in the order made.
+    QList<QAbstractButton*> row = buttons->buttons();
+    std::sort(row.begin(), row.end(), [buttons](QAbstractButton* a, QAbstractButton* b) {
+        return buttons->layout()->indexOf(a) < buttons->layout()->indexOf(b);
     });
-    connect(report, &QPushButton::clicked, this, &CMSelDlg::OnPromptReport);
+    for (QAbstractButton* button : row) {
+        order << button;
+    }
+    for (qsizetype i = 1; i < order.size(); ++i) {
+        setTabOrder(order[i - 1], order[i]);
+    }
 }
 
 void CMSelDlg::SetDbPath(const QString& path) {
@@ -177,20 +239,18 @@ void CMSelDlg::SetDbPath(const QString& path) {
 }
 
 void CMSelDlg::SetExtraFlag(bool bExtra) {
-    m_nExtraFlag = bExtra;
+    m_choices.SetExtra(bExtra);
 }
 void CMSelDlg::SetOrientation(int orientation) {
     m_nOrientation = orientation;
 }
 
 void CMSelDlg::SetScale(double scale) {
-    m_strScale = HostRealToString(scale, 2, -1);
+    m_choices.SetScale(scale);
 }
 
 void CMSelDlg::SetStyle(int style) {
-    if (style >= 1 && style <= kStyleCount) {
-        m_nStyleIndex = style - 1;
-    }
+    m_choices.SetStyle(style);
 }
 
 void CMSelDlg::SetLockStyle(bool bLock) {
@@ -210,11 +270,11 @@ void CMSelDlg::showEvent(QShowEvent* event) {
 
 bool CMSelDlg::OnInitDialog() {
     m_bInited = true;
-    if (QAbstractButton* style = m_styles->button(m_nStyleIndex)) {
+    if (QAbstractButton* style = m_styles->button(m_choices.Style() - 1)) {
         style->setChecked(true);
     }
-    m_cboScale->setEditText(m_strScale);
-    m_chkExtra->setChecked(m_nExtraFlag);
+    m_cboScale->setEditText(m_choices.ScaleText());
+    m_chkExtra->setChecked(m_choices.HasExtra());
 
     QString defaultPath;
     FindDatabaseFile(defaultPath);
@@ -226,7 +286,7 @@ bool CMSelDlg::OnInitDialog() {
     if (filled != CModuleTree::kFilled) {
         return false;
     }
-    m_stcDbPath->setText(m_strDbPath.isEmpty() ? defaultPath : m_strDbPath);
+    m_stcDbPath->SetPath(m_strDbPath.isEmpty() ? defaultPath : m_strDbPath);
 
     const int widths[5] = {100, 50, 50, 100, 100};
     m_lstCatalogs->setColumnCount(5);
@@ -348,9 +408,10 @@ void CMSelDlg::OnTreeDoubleClick(QTreeWidgetItem* item) {
 }
 
 void CMSelDlg::OnOK() {
-    m_nStyleIndex = CheckedStyle() - 1;
-    m_strScale = m_cboScale->currentText();
-    m_nExtraFlag = m_chkExtra->isChecked();
+    m_choices.SetStyle(CheckedStyle());
+    m_choices.SetScaleText(m_cboScale->currentText());
+    m_choices.SetExtra(m_chkExtra->isChecked());
+    m_choices.SetHorizontal(m_btnHorizontal->isChecked());
     QTreeWidgetItem* item = m_tree->currentItem();
     if (!item) {
         return;
@@ -361,31 +422,74 @@ void CMSelDlg::OnOK() {
         return;
     }
     if (data == CModuleTree::kTypeData) {
-        const QList<QTreeWidgetItem*> rows = m_lstCatalogs->selectedItems();
-        if (rows.isEmpty()) {
+        if (m_lstCatalogs->selectedItems().isEmpty()) {
             Messages::Show(4005);
             return;
         }
-        const QString catalog = rows.first()->text(0);
-        QTreeWidgetItem* match = nullptr;
-        for (int i = 0; i < item->childCount() && !match; ++i) {
-            if (item->child(i)->text(0).compare(catalog, Qt::CaseInsensitive) == 0) {
-                match = item->child(i);
-            }
-        }
+        QTreeWidgetItem* match = ListedCatalog(item);
         if (!match) {
             return;
         }
         m_tree->setCurrentItem(match);
     }
     m_pResult.clear();
-    m_bHasResult = m_tree->BuildSelectionList(m_nStyleIndex + 1, m_bBoxGroupB, m_pResult);
+    m_bHasResult = m_tree->BuildSelectionList(m_choices.Style(), m_bBoxGroupB, m_pResult);
     if (m_bHasResult) {
-        AppendChoiceList(m_pResult, m_nStyleIndex + 1, m_btnHorizontal->isChecked(),
-                         crt::wtof(m_strScale), m_nExtraFlag);
+        m_choices.AppendTo(m_pResult);
     }
     m_tree->SaveMru();
     accept();
+}
+
+QTreeWidgetItem* CMSelDlg::ListedCatalog(QTreeWidgetItem* typeItem) const {
+    const QList<QTreeWidgetItem*> rows = m_lstCatalogs->selectedItems();
+    if (!typeItem || rows.isEmpty()) {
+        return nullptr;
+    }
+    const QString catalog = rows.first()->text(0);
+    for (int i = 0; i < typeItem->childCount(); ++i) {
+        if (typeItem->child(i)->text(0).compare(catalog, Qt::CaseInsensitive) == 0) {
+            return typeItem->child(i);
+        }
+    }
+    return nullptr;
+}
+
+QTreeWidgetItem* CMSelDlg::ChosenCatalog() const {
+    QTreeWidgetItem* item = m_tree->currentItem();
+    const quint32 data = CModuleTree::ItemData(item);
+    if (data == CModuleTree::kTypeData) {
+        return ListedCatalog(item);
+    }
+    return CModuleTree::IsCatalogData(data) ? item : nullptr;
+}
+
+void CMSelDlg::OnExtract() {
+    HostValue call;
+    call.string(QStringLiteral("kv_plca_plc_xtr")).shortInt(1);
+    HostInvoke(call, nullptr);
+    // What the drawing program extracts lies in its Lisp; here the user sees the data of
+    // the module the dialog would answer with.
+    CKVModule module;
+    if (!m_tree->GetModuleOfItem(module, ChosenCatalog(), false)) {
+        Messages::ShowText(tr("Choose a module in the list first."), tr("PLC Data"));
+    } else {
+        QString manufacturer, series, type;
+        m_tree->GetItemPath(manufacturer, series, type, ChosenCatalog(), false);
+        Messages::ShowText(
+            tr("Catalog: %1\nManufacturer: %2\nSeries: %3\nType: %4\n"
+               "Description: %5\nColumns: %6 | %7 | %8\nAddress base: %9\n"
+               "Terminal rows: %10")
+                .arg(module.GetCatalog(), manufacturer, series, type, module.GetDescription(),
+                     module.GetColText1(), module.GetColText2(), module.GetColText3(),
+                     module.GetAddrBase(), QString::number(module.GetTermCount())),
+            tr("PLC Data"), MsgButtons::Ok, MsgIcon::Information);
+    }
+    m_btnExtract->setFocus();
+}
+
+void CMSelDlg::ShowHelp() {
+    HostHelp(QString(), QStringLiteral("plc_selection"), 0);
 }
 
 void CMSelDlg::OnPromptReport() {
@@ -429,7 +533,7 @@ void CMSelDlg::OnPromptReport() {
 
 void CMSelDlg::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_F1) {
-        HostHelp(QString(), QStringLiteral("plc_selection"), 0);
+        ShowHelp();
         event->accept();
         return;
     }

@@ -2,13 +2,16 @@
 
 #include "CDib.h"
 #include "HostValue.h"
+#include "SelectionChoices.h"
 
 #include <QDialog>
 
 class CModuleTree;
+class CPathLabel;
 class QButtonGroup;
 class QCheckBox;
 class QComboBox;
+class QDialogButtonBox;
 class QLabel;
 class QPushButton;
 class QRadioButton;
@@ -24,6 +27,7 @@ class CMSelDlg : public QDialog {
 public:
     enum Control {
         kIdOk = 1,
+        kIdCancel = 2,
         kIdTree = 200,
         kIdList = 201,
         kIdHelp = 203,
@@ -79,6 +83,11 @@ private:
     void ShowPreview(int style, int orientation);
     void ApplyLock();
     void PostOk();
+    void SetTabOrder(QDialogButtonBox* buttons);
+    QTreeWidgetItem* ListedCatalog(QTreeWidgetItem* typeItem) const;
+    QTreeWidgetItem* ChosenCatalog() const;
+    void OnExtract();
+    void ShowHelp();
 
     CModuleTree* m_tree;
     QPushButton* m_btnOK;
@@ -91,17 +100,16 @@ private:
     QCheckBox* m_chkExtra;
     QLabel* m_stcStyleLabel;
     QPushButton* m_btnExtract;
-    QLabel* m_stcDbPath;
+    QPushButton* m_btnPromptReport;
+    CPathLabel* m_stcDbPath;
     QLabel* m_stcTable;
 
-    int m_nStyleIndex = 0;
+    SelectionChoices m_choices;  // style, scale text and extra flag
     CDib m_preview;
     HostValue m_pResult;
     bool m_bHasResult = false;
     bool m_bLockStyle = false;
     bool m_bBoxGroupB = false;
-    QString m_strScale = QStringLiteral("1.0");
-    bool m_nExtraFlag = false;
     int m_nOrientation = 2;
     QString m_strDbPath = QStringLiteral("");
     bool m_bInited = false;

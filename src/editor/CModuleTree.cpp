@@ -721,7 +721,7 @@ void CModuleTree::OnPaste() {
                                sourceTable)) {
         return;
     }
-    if (pasteApproval && !pasteApproval(!m_bClipCopy)) {
+    if (!pasteApproval || pasteApproval(!m_bClipCopy) != 1) {
         return;
     }
     if (!m_db.CopyModule(m_strClipCatalog, sourceTable, name, table)) {

@@ -88,8 +88,10 @@ public:
 
     // The owner's say: whether the selection may move to an item (the editor asks
     // to save first), and whether a paste may go on (cut: the clipboard holds a cut).
+    // A paste goes on only when the owner answers 1; any other answer, or no owner,
+    // ends it before anything is copied.
     std::function<bool(QTreeWidgetItem* item)> selectionChanging;
-    std::function<bool(bool cut)> pasteApproval;
+    std::function<int(bool cut)> pasteApproval;
 
 signals:
     // The selection moved to item (null when there is none).

@@ -5,6 +5,7 @@
 #include "HostServices.h"
 #include "ModDB.h"
 #include "MultiBOMGenerator.h"
+#include "SelectionChoices.h"
 #include "ZelUtils.h"
 
 #include <array>
@@ -196,24 +197,11 @@ bool BuildSelectionList(CKVModule& module, CKVModuleDB* db, int style, bool bGro
     return true;
 }
 
-void AppendChoiceList(HostValue& list, int style, bool bHorizontal, double scale, bool bExtra) {
-    list.begin()
-        .string(QString::number(style))
-        .string(bHorizontal ? QStringLiteral("H") : QStringLiteral("V"))
-        .real(scale);
-    if (bExtra) {
-        list.shortInt(1);
-    } else {
-        list.nil();
-    }
-    list.end();
-}
-
-bool BuildSelectionAnswer(CKVModule& module, CKVModuleDB* db, int style, bool bGroupB,
-                          bool bHorizontal, double scale, bool bExtra, HostValue& out) {
-    if (!BuildSelectionList(module, db, style, bGroupB, out)) {
+bool BuildSelectionAnswer(CKVModule& module, CKVModuleDB* db, const SelectionChoices& choices,
+                          bool bGroupB, HostValue& out) {
+    if (!BuildSelectionList(module, db, choices.Style(), bGroupB, out)) {
         return false;
     }
-    AppendChoiceList(out, style, bHorizontal, scale, bExtra);
+    choices.AppendTo(out);
     return true;
 }

@@ -6,6 +6,7 @@
 
 class CKVModule;
 class CKVModuleDB;
+class SelectionChoices;
 
 // The answer of a module selection, built without widgets so that the selection dialog
 // and the command line give the Lisp side the same list.
@@ -27,10 +28,7 @@ void AppendDimension(const QString& text, HostValue& list);
 bool BuildSelectionList(CKVModule& module, CKVModuleDB* db, int style, bool bGroupB,
                         HostValue& out);
 
-// The user's choices: (STYLE "H"|"V" SCALE 1|nil).
-void AppendChoiceList(HostValue& list, int style, bool bHorizontal, double scale, bool bExtra);
-
-// The five elements of a selection's answer, chained into out; the host wraps them into
-// one list when it answers.
-bool BuildSelectionAnswer(CKVModule& module, CKVModuleDB* db, int style, bool bGroupB,
-                          bool bHorizontal, double scale, bool bExtra, HostValue& out);
+// The five elements of a selection's answer for the user's choices, chained into out;
+// the host wraps them into one list when it answers.
+bool BuildSelectionAnswer(CKVModule& module, CKVModuleDB* db, const SelectionChoices& choices,
+                          bool bGroupB, HostValue& out);

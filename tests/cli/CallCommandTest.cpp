@@ -62,6 +62,19 @@ TEST(CallCommand, HelpIsThereForTheProgramAndItsCommands) {
     EXPECT_EQ(unknown.status, 2);
 }
 
+TEST(CallCommand, APluginNamedWithoutAFolderIsTakenFromTheCurrentFolder) {
+    // Regression: --plugin zel_mb.so was looked for on the system's library path only.
+    QTemporaryDir dir;
+    for (const char* file : {"zel_mb.so", "zel_mbres.so"}) {
+        ASSERT_TRUE(QFile::copy(BuildPath(QString::fromLatin1(file)), dir.filePath(file)));
+    }
+    const PlcdbRun run =
+        RunPlcdbIn(dir.path(), {QStringLiteral("--plugin"), QStringLiteral("zel_mb.so"),
+                                QStringLiteral("call"), QStringLiteral("(zel_mbsel '(0))")});
+    EXPECT_EQ(run.status, 0) << qPrintable(run.err);
+    EXPECT_EQ(run.out, QStringLiteral("nil\n"));
+}
+
 TEST(CallCommand, WithoutItsResourceLibraryThePluginRefusesToStart) {
     QTemporaryDir dir;
     const QString program = dir.filePath(QStringLiteral("plcdb"));

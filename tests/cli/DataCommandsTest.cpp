@@ -109,6 +109,25 @@ TEST(DataCommands, BadCallsFailClearly) {
     EXPECT_EQ(RunPlcdb({"--db", garbage.fileName(), "export"}).status, 1);
 }
 
+TEST(DataCommands, FileNamesWithoutAFolderAreTakenFromTheCurrentFolder) {
+    // Regression: --db new.mdb was refused as a path without a folder (code 3).
+    QTemporaryDir dir;
+    ASSERT_EQ(RunPlcdb({"--db", SampleDatabase(), "export", dir.filePath("catalog.json")}).status,
+              0);
+    ASSERT_EQ(RunPlcdbIn(dir.path(), {"init", "new.mdb"}).status, 0);
+    const PlcdbRun import = RunPlcdbIn(dir.path(), {"--db", "new.mdb", "import", "catalog.json"});
+    EXPECT_EQ(import.status, 0) << qPrintable(import.err);
+    EXPECT_EQ(import.err, QString());
+    const PlcdbRun list = RunPlcdbIn(dir.path(), {"--db", "new.mdb", "list"});
+    EXPECT_TRUE(list.out.startsWith(QStringLiteral("Brightwater Industrial\n  Legacy\n")))
+        << qPrintable(list.out);
+
+    // Messages name the file as it was typed.
+    const PlcdbRun missing = RunPlcdbIn(dir.path(), {"--db", "none.mdb", "list"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err, QStringLiteral("plcdb list: the database none.mdb does not exist\n"));
+}
+
 TEST(DataCommands, MigrationCommandUpgradesTheFileItIsGiven) {
     QTemporaryDir dir;
     const QString old = dir.filePath(QStringLiteral("OLD.MDB"));

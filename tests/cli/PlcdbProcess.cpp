@@ -5,7 +5,10 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-PlcdbRun RunPlcdb(const QString& program, const QStringList& args, const QByteArray& input) {
+namespace {
+
+PlcdbRun Run(const QString& program, const QString& folder, const QStringList& args,
+             const QByteArray& input) {
     QTemporaryDir home;
     QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -16,6 +19,7 @@ PlcdbRun RunPlcdb(const QString& program, const QStringList& args, const QByteAr
         env.remove(QString::fromLatin1(name));
     }
     process.setProcessEnvironment(env);
+    process.setWorkingDirectory(folder);
     process.start(program, args);
     process.write(input);
     process.closeWriteChannel();
@@ -31,6 +35,16 @@ PlcdbRun RunPlcdb(const QString& program, const QStringList& args, const QByteAr
     return run;
 }
 
+}  // namespace
+
+PlcdbRun RunPlcdb(const QString& program, const QStringList& args, const QByteArray& input) {
+    return Run(program, QString(), args, input);
+}
+
 PlcdbRun RunPlcdb(const QStringList& args, const QByteArray& input) {
     return RunPlcdb(BuildPath(QStringLiteral("plcdb")), args, input);
+}
+
+PlcdbRun RunPlcdbIn(const QString& folder, const QStringList& args, const QByteArray& input) {
+    return Run(BuildPath(QStringLiteral("plcdb")), folder, args, input);
 }

@@ -15,3 +15,5 @@ struct PlcdbRun {
 PlcdbRun RunPlcdb(const QString& program, const QStringList& args, const QByteArray& input = {});
 // The plcdb of the build.
 PlcdbRun RunPlcdb(const QStringList& args, const QByteArray& input = {});
+// The plcdb of the build, started in folder, as a user who has changed into it.
+PlcdbRun RunPlcdbIn(const QString& folder, const QStringList& args, const QByteArray& input = {});

@@ -1,50 +1,108 @@
-#include "CKVModuleDB.h"
 #include "CMSelDlg.h"
 #include "CModuleTree.h"
-#include "CatalogLookup.h"
 #include "DialogControls.h"
 #include "EditorFixture.h"
+#include "GuiHostUi.h"
 #include "LispText.h"
 #include "ModalRunner.h"
-#include "SelectionList.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QComboBox>
+#include <QDir>
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QLabel>
 #include <QPushButton>
+#include <QTest>
+#include <QTextBrowser>
+#include <QToolTip>
 #include <QTreeWidget>
 
 namespace {
 
 const QString kKestrel = QStringLiteral("Kestrel Automation");
 
+// The whole answer for KX-AO2 (every box value of places 1 to 4 set) with style 3,
+// orientation H, scale 2.5 and the extra flag, as the Lisp side reads it.
+const QString kKxAo2Answer = QStringLiteral(
+    R"((("KX-AO2" "Kestrel Automation" "Analog output 2 x 0-10V" "16 bit" "" )"
+    R"(("64.0000" ("mm")) ("32.0000" ("mm")) ("6.0000" ("mm")) ("12.0000" ("mm")) )"
+    R"("Decimal" nil ("12.0000") ("8.0000" ("mm")) "2 ch" "Isolated channels") )"
+    R"((("HP?SPACE" (("%%1PROMPT" "SLOT NO.") ("TERM_" "1") ("MFG" "KESTREL") )"
+    R"(("CAT" "KX-AO2") ("DESC" "Analog output 2 x 0-10V") ("TAG" "PLC%N"))) )"
+    R"(("HP?AO" (("TERM_" "2") ("CHAN" "CH0+") ("\\SPECIAL" "ADDR_OUT"))) )"
+    R"(("HP?AO" (("TERM_" "3") ("CHAN" "CH0-"))) )"
+    R"(("HP?SHLD" (("TERM_" "4") ("CHAN" "CH0SH") ("\\SPECIAL" "EXCLUDE"))) )"
+    R"(("HP?SPACE" (("\\SPECIAL" "BREAK") ("\\SPECIAL" "SPACINGFACTOR=0.750000"))) )"
+    R"(("HP?AO" (("TERM_" "5") ("CHAN" "CH1+") ("\\SPECIAL" "ADDR_OUT"))) )"
+    R"(("HP?AO" (("TERM_" "6") ("CHAN" "CH1-"))) )"
+    R"(("HP?SHLD" (("TERM_" "7") ("CHAN" "CH1SH") ("\\SPECIAL" "EXCLUDE")))) )"
+    R"((("HP?SPACE" (("%%1PROMPT" "SLOT NO.") ("TERM_" "1") ("MFG" "KESTREL") )"
+    R"(("CAT" "KX-AO2") ("DESC" "Analog output 2 x 0-10V") ("TAG" "PLC%N"))) )"
+    R"(("HP?AO" (("TERM_" "2") ("CHAN" "CH0+") ("\\SPECIAL" "ADDR_OUT"))) )"
+    R"(("HP?AO" (("TERM_" "3") ("CHAN" "CH0-"))) )"
+    R"(("HP?SPACE" (("\\SPECIAL" "BREAK") ("\\SPECIAL" "SPACINGFACTOR=0.750000"))) )"
+    R"(("HP?AO" (("TERM_" "5") ("CHAN" "CH1+") ("\\SPECIAL" "ADDR_OUT"))) )"
+    R"(("HP?AO" (("TERM_" "6") ("CHAN" "CH1-"))) )"
+    R"(("HP?PWR" (("TERM_" "8") ("PWR" "24V") ("\\SPECIAL" "INCLUDE") ("MFG1" "Kestrel") )"
+    R"(("CAT1" "KA-PS24") ("ASSYCODE1" "PS") ("CNT1" "1") ("KVBLKNAM1" "HPSUPPLY")) )"
+    R"(((("Kestrel" "KA-PS24" "PS" "1" "" "HPSUPPLY")) ("1")))) )"
+    R"((T) ("3" "H" 2.5 1)))");
+
+// The module list of NV-1408, whose places 2, 4 and 6 fall back on the style row.
+QString Nv1408(const char* style2, const char* number32, const char* number6) {
+    return QStringLiteral(
+               R"(("NV-1408" "Norvale Controls" "8 channel current input" "16 bit" "" )"
+               R"(("%1" ("in")) ("%2" ("mm")) ("%3" ("mm")) ("0.5" ("in")) "Decimal" nil )"
+               R"(("0.625" ("in")) ("%3") "8 ch" "Isolated channels"))")
+        .arg(QString::fromLatin1(style2), QString::fromLatin1(number32),
+             QString::fromLatin1(number6));
+}
+
+void Click(QWidget* widget) {
+    ASSERT_NE(widget, nullptr);
+    QTest::mouseClick(widget, Qt::LeftButton);
+}
+
+// Clicks the list row whose catalog is text.
+void ClickRow(QTreeWidget& list, const QString& text) {
+    const QList<QTreeWidgetItem*> rows = list.findItems(text, Qt::MatchExactly, 0);
+    ASSERT_EQ(rows.size(), 1) << qPrintable(text);
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
+                      list.visualItemRect(rows.first()).center());
+}
+
+// The tooltip a user gets on pointing at pos of widget; empty when none shows.
+QString TooltipAt(QWidget* widget, const QPoint& pos) {
+    QToolTip::hideText();
+    QHelpEvent event(QEvent::ToolTip, pos, widget->mapToGlobal(pos));
+    QCoreApplication::sendEvent(widget, &event);
+    return QToolTip::isVisible() ? QToolTip::text() : QString();
+}
+
+// The control that has the focus: its number, or the text of an unnumbered button.
+QString FocusedControl() {
+    for (QWidget* w = QApplication::focusWidget(); w; w = w->parentWidget()) {
+        if (ControlId(w) != -1) {
+            return QString::number(ControlId(w));
+        }
+    }
+    return QStringLiteral("none");
+}
+
 }  // namespace
 
 class CMSelDlgTest : public EditorFixture {
 protected:
-    QString expected(const QString& type, const QString& catalog, int style, bool horizontal,
-                     double scale, bool extra) {
-        CKVModuleDB db;
-        EXPECT_TRUE(db.Open(databasePath()));
-        CatalogPath path;
-        EXPECT_TRUE(FindCatalog(db, kKestrel, QStringLiteral("KX"), type, catalog, path));
-        const int handle = db.LoadModule(path.table, path.catalog, false);
-        CKVModule module = db.GetModule(handle);
-        module.SetManufacturer(path.manufacturer);
-        HostValue answer;
-        EXPECT_TRUE(
-            BuildSelectionAnswer(module, &db, style, false, horizontal, scale, extra, answer));
-        return LispText::Print(answer);
-    }
-    // Selects a type in the tree and a catalog row in its list.
-    static void chooseInList(CMSelDlg& dialog, const QString& type, const QString& catalog) {
+    // Selects a type in the tree and clicks a catalog row in its list.
+    static void chooseInList(CMSelDlg& dialog, const QString& manufacturer, const QString& series,
+                             const QString& type, const QString& catalog) {
         CModuleTree& tree = dialog.Tree();
-        QTreeWidgetItem* kx = tree.FindItem(kKestrel, QStringLiteral("KX"), type, catalog);
-        ASSERT_NE(kx, nullptr);
-        tree.setCurrentItem(kx->parent());
-        QTreeWidget& list = dialog.List();
-        for (int i = 0; i < list.topLevelItemCount(); ++i) {
-            list.topLevelItem(i)->setSelected(list.topLevelItem(i)->text(0) == catalog);
-        }
+        QTreeWidgetItem* item = tree.FindItem(manufacturer, series, type, catalog);
+        ASSERT_NE(item, nullptr);
+        tree.setCurrentItem(item->parent());
+        ClickRow(dialog.List(), catalog);
     }
 };
 
@@ -57,19 +115,52 @@ TEST_F(CMSelDlgTest, ACatalogChosenInItsTypesListGivesItsWholeList) {
     QueuedModalScript script;
     script.push([](QDialog& d) {
         auto& selection = static_cast<CMSelDlg&>(d);
-        chooseInList(selection, QStringLiteral("Digital Input"), QStringLiteral("KX-DI24"));
+        chooseInList(selection, kKestrel, "KX", "Analog Output", "KX-AO2");
         EXPECT_EQ(selection.List().topLevelItemCount(), 2);
-        EXPECT_TRUE(FindControl<QPushButton>(&d, CMSelDlg::kIdOk)->isEnabled());
-        selection.OnOK();
+        Click(FindControl<QPushButton>(&d, CMSelDlg::kIdOk));
         return 0;
     });
     ASSERT_EQ(ModalRunner::Run(dialog), kIdOk);
     ASSERT_TRUE(dialog.HasResult());
-    EXPECT_EQ(
-        LispText::Print(dialog.GetResult()),
-        expected(QStringLiteral("Digital Input"), QStringLiteral("KX-DI24"), 3, true, 2.5, true));
+    EXPECT_EQ(LispText::Print(HostValue().begin().append(dialog.GetResult()).end()), kKxAo2Answer);
     // The tree follows the row that was confirmed.
-    EXPECT_EQ(dialog.Tree().currentItem()->text(0), QStringLiteral("KX-DI24"));
+    EXPECT_EQ(dialog.Tree().currentItem()->text(0), QStringLiteral("KX-AO2"));
+}
+
+TEST_F(CMSelDlgTest, StyleAndScaleAreKeptByTheRulesTheCommandLineShares) {
+    const struct {
+        int precision;
+        int style;
+        int orientation;
+        QString moduleList;
+        QString choices;
+    } cases[] = {
+        {4, 12, 2, Nv1408("2.25", "32.0000", "6.0000"), R"(("1" "V" 0.1235 nil))"},
+        {2, 3, 1, Nv1408("2.75", "32.00", "6.00"), R"(("3" "H" 0.12 nil))"},
+    };
+    for (const auto& c : cases) {
+        startHost(c.precision);
+        CMSelDlg dialog;
+        dialog.SetStyle(c.style);
+        dialog.SetOrientation(c.orientation);
+        dialog.SetScale(0.123456);
+        QueuedModalScript script;
+        script.push([](QDialog& d) {
+            auto& selection = static_cast<CMSelDlg&>(d);
+            chooseInList(selection, "Norvale Controls", "NV-100", "Analog Input", "NV-1408");
+            Click(FindControl<QPushButton>(&d, CMSelDlg::kIdOk));
+            return 0;
+        });
+        ASSERT_EQ(ModalRunner::Run(dialog), kIdOk);
+        const QString answer =
+            LispText::Print(HostValue().begin().append(dialog.GetResult()).end());
+        EXPECT_TRUE(answer.startsWith(u'(' + c.moduleList + QStringLiteral(" ((\"HP?SPACE\"")))
+            << c.precision << "\n"
+            << qPrintable(answer.left(400));
+        EXPECT_TRUE(answer.endsWith(QStringLiteral(" (T) ") + c.choices + u')'))
+            << c.precision << "\n"
+            << qPrintable(answer.right(100));
+    }
 }
 
 TEST_F(CMSelDlgTest, OkNeedsAScaleAndATypeNeedsARow) {
@@ -77,7 +168,7 @@ TEST_F(CMSelDlgTest, OkNeedsAScaleAndATypeNeedsARow) {
     QueuedModalScript script;
     script.push([this](QDialog& d) {
         auto& selection = static_cast<CMSelDlg&>(d);
-        chooseInList(selection, QStringLiteral("Analog Output"), QStringLiteral("KX-AO8"));
+        chooseInList(selection, kKestrel, "KX", "Analog Output", "KX-AO8");
         auto* scale = FindControl<QComboBox>(&d, CMSelDlg::kIdScale);
         auto* ok = FindControl<QPushButton>(&d, CMSelDlg::kIdOk);
         EXPECT_TRUE(ok->isEnabled());
@@ -151,4 +242,146 @@ TEST_F(CMSelDlgTest, WithoutADatabaseTheDialogCancels) {
     QueuedModalScript script;
     script.push([](QDialog&) { return 0; });
     EXPECT_EQ(ModalRunner::Run(dialog), kIdCancel);
+}
+
+TEST_F(CMSelDlgTest, ALongDatabasePathIsShortenedAndShownWholeAsTooltip) {
+    // Regression: the path label took the width of the whole path and widened the dialog.
+    const QString folder = m_dir.filePath(QString(40, u'f') + u'/' + QString(40, u'g') + u'/' +
+                                          QString(40, u'h') + u'/' + QString(40, u'k'));
+    ASSERT_TRUE(QDir().mkpath(folder));
+    const QString path = folder + QStringLiteral("/ZEL_PLC.MDB");
+    ASSERT_TRUE(QFile::copy(databasePath(), path));
+    CMSelDlg dialog;
+    dialog.SetDbPath(path);
+    QueuedModalScript script;
+    script.push([&path](QDialog& d) {
+        // ASSERT may leave early; the dialog is cancelled all the same.
+        [&] {
+            auto* label = FindControl<QLabel>(&d, CMSelDlg::kIdDbPath);
+            ASSERT_NE(label, nullptr);
+            EXPECT_LT(d.width(), label->fontMetrics().horizontalAdvance(path));
+            EXPECT_TRUE(label->text().startsWith(path.left(5))) << qPrintable(label->text());
+            EXPECT_TRUE(label->text().endsWith(QStringLiteral("ZEL_PLC.MDB")));
+            EXPECT_TRUE(label->text().contains(QChar(0x2026))) << qPrintable(label->text());
+            EXPECT_EQ(TooltipAt(label, label->rect().center()), path);
+        }();
+        return int(kIdCancel);
+    });
+    EXPECT_EQ(ModalRunner::Run(dialog), kIdCancel);
+    EXPECT_TRUE(script.done());
+}
+
+TEST_F(CMSelDlgTest, ACellTooNarrowForItsTextShowsItAsTooltip) {
+    // Regression: a truncated catalog row could not be read whole anywhere.
+    CMSelDlg dialog;
+    QueuedModalScript script;
+    script.push([](QDialog& d) {
+        // ASSERT may leave early; the dialog is cancelled all the same.
+        [&] {
+            auto& selection = static_cast<CMSelDlg&>(d);
+            chooseInList(selection, kKestrel, "KX", "Analog Output", "KX-AO2");
+            QTreeWidget& list = selection.List();
+            QTreeWidgetItem* row = list.findItems("KX-AO2", Qt::MatchExactly, 0).value(0);
+            ASSERT_NE(row, nullptr);
+            list.header()->resizeSection(0, 300);
+            list.header()->resizeSection(4, 40);  // the user narrows the description
+            const QPoint catalog = list.visualRect(list.indexFromItem(row, 0)).center();
+            const QPoint description = list.visualRect(list.indexFromItem(row, 4)).center();
+            EXPECT_EQ(TooltipAt(list.viewport(), catalog), QString());
+            EXPECT_EQ(TooltipAt(list.viewport(), description),
+                      QStringLiteral("Analog output 2 x 0-10V"));
+        }();
+        return int(kIdCancel);
+    });
+    EXPECT_EQ(ModalRunner::Run(dialog), kIdCancel);
+    EXPECT_TRUE(script.done());
+}
+
+TEST_F(CMSelDlgTest, TabWalksTheControlsInScreenOrderBothWays) {
+    // Regression: Tab went from the extra check box to OK and reached the styles last.
+    CMSelDlg dialog;
+    dialog.SetStyle(2);
+    QueuedModalScript script;
+    script.push([](QDialog& d) {
+        auto& selection = static_cast<CMSelDlg&>(d);
+        d.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&d));
+        selection.Tree().SelectModule(kKestrel, "KX", "Analog Output", "KX-AO2");
+        selection.Tree().setFocus();
+        const QStringList forward = {"201", "1118", "1131", "204", "206", "209",
+                                     "247", "1",    "2",    "203", "200"};
+        QStringList seen;
+        for (qsizetype i = 0; i < forward.size(); ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            seen << FocusedControl();
+        }
+        EXPECT_EQ(seen, forward);
+        seen.clear();
+        for (qsizetype i = 0; i < forward.size(); ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ShiftModifier);
+            seen << FocusedControl();
+        }
+        QStringList backward(forward.rbegin() + 1, forward.rend());
+        backward << "200";
+        EXPECT_EQ(seen, backward);
+        return int(kIdCancel);
+    });
+    EXPECT_EQ(ModalRunner::Run(dialog), kIdCancel);
+    EXPECT_TRUE(script.done());
+}
+
+TEST_F(CMSelDlgTest, HelpButtonAndF1OpenTheBundledPage) {
+    // Regression: Help said there was no page when the desktop had no browser to open it.
+    GuiHostUi screen(BuildPath(QStringLiteral("help")));
+    m_host->setUi(&screen);
+    CMSelDlg dialog;
+    QueuedModalScript script;
+    script.push([](QDialog& d) {
+        // ASSERT may leave early; the dialog is cancelled all the same.
+        [&] {
+            const auto helpWindow = [&d] {
+                return d.findChild<QTextBrowser*>(QLatin1String(GuiHostUi::kHelpWindowName));
+            };
+            Click(FindControl<QPushButton>(&d, CMSelDlg::kIdHelp));
+            QTextBrowser* page = helpWindow();
+            ASSERT_NE(page, nullptr);
+            EXPECT_TRUE(page->isVisible());
+            EXPECT_EQ(page->source().fileName(), QStringLiteral("plc_selection.html"));
+            EXPECT_FALSE(page->toPlainText().isEmpty());
+            page->close();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            ASSERT_EQ(helpWindow(), nullptr);
+
+            auto& selection = static_cast<CMSelDlg&>(d);
+            QTest::keyClick(&selection.Tree(), Qt::Key_F1);
+            ASSERT_NE(helpWindow(), nullptr);
+            EXPECT_EQ(helpWindow()->source().fileName(), QStringLiteral("plc_selection.html"));
+        }();
+        return int(kIdCancel);
+    });
+    EXPECT_EQ(ModalRunner::Run(dialog), kIdCancel);
+    EXPECT_TRUE(m_messages.shown.empty());
+}
+
+TEST_F(CMSelDlgTest, PlcDataShowsTheDataOfTheChosenModule) {
+    // Regression: the button only wrote a line to standard error.
+    CMSelDlg dialog;
+    QueuedModalScript script;
+    script.push([](QDialog& d) {
+        auto& selection = static_cast<CMSelDlg&>(d);
+        selection.Tree().setCurrentItem(
+            selection.Tree().FindItem(kKestrel, "KX", "Analog Output", "KX-AO2")->parent());
+        Click(FindControl<QPushButton>(&d, CMSelDlg::kIdExtract));
+        ClickRow(selection.List(), "KX-AO2");
+        Click(FindControl<QPushButton>(&d, CMSelDlg::kIdExtract));
+        return int(kIdCancel);
+    });
+    EXPECT_EQ(ModalRunner::Run(dialog), kIdCancel);
+    ASSERT_EQ(m_messages.shown.size(), 2u);
+    EXPECT_EQ(m_messages.shown[0].text, QStringLiteral("Choose a module in the list first."));
+    EXPECT_EQ(m_messages.shown[1].text,
+              QStringLiteral("Catalog: KX-AO2\nManufacturer: Kestrel Automation\nSeries: KX\n"
+                             "Type: Analog Output\nDescription: Analog output 2 x 0-10V\n"
+                             "Columns: 2 ch | 0-10 V | 16 bit\nAddress base: Decimal\n"
+                             "Terminal rows: 9"));
 }

@@ -4,8 +4,13 @@
 #include "EditorFixture.h"
 #include "ModalRunner.h"
 
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
 #include <QTest>
+#include <QTimer>
 
 namespace {
 
@@ -31,6 +36,7 @@ protected:
         EditorFixture::SetUp();
         m_tree = std::make_unique<CModuleTree>();
         m_tree->SetEditMode(true);
+        m_tree->resize(400, 600);
         m_tree->show();
         ASSERT_EQ(m_tree->FillTree(), CModuleTree::kFilled);
     }
@@ -50,6 +56,46 @@ protected:
         QTest::keyClick(editor, key);
         QCoreApplication::processEvents();
         // Closed editors go later; the next edit must not find this one.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    // Right-clicks item and clicks the menu entry once the menu shows.
+    void contextCommand(QTreeWidgetItem* item, const QString& entry) {
+        m_tree->scrollToItem(item);
+        const QPoint pos = m_tree->visualItemRect(item).center();
+        bool clicked = false;
+        QTimer waitForMenu;
+        waitForMenu.setInterval(0);
+        QObject::connect(&waitForMenu, &QTimer::timeout, [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            if (!menu) {
+                return;
+            }
+            waitForMenu.stop();
+            for (QAction* action : menu->actions()) {
+                if (action->text() == entry && action->isEnabled()) {
+                    QTest::mouseClick(menu, Qt::LeftButton, {},
+                                      menu->actionGeometry(action).center());
+                    clicked = true;
+                    return;
+                }
+            }
+            menu->close();
+        });
+        waitForMenu.start();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, pos,
+                                m_tree->viewport()->mapToGlobal(pos));
+        QCoreApplication::sendEvent(m_tree->viewport(), &event);
+        waitForMenu.stop();
+        EXPECT_TRUE(clicked) << qPrintable(entry) << " on " << qPrintable(item->text(0));
+    }
+    // Types text key by key into the label editor of the running edit and presses Return.
+    void typeKeys(const QString& text) {
+        auto* editor = m_tree->findChild<QLineEdit*>();
+        ASSERT_NE(editor, nullptr);
+        editor->selectAll();
+        QTest::keyClicks(editor, text);
+        QTest::keyClick(editor, Qt::Key_Return);
+        QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     bool storeHasType(const QString& series, const QString& name) {
@@ -165,6 +211,7 @@ TEST_F(CModuleTreeTest, DeleteAsksAndRemovesTheLevelFromTheStore) {
 }
 
 TEST_F(CModuleTreeTest, PasteAsksForAFreeNameAndACutMovesTheModule) {
+    m_tree->pasteApproval = [](bool) { return 1; };
     QTreeWidgetItem* inputs = type(kInputs);
     m_tree->setCurrentItem(inputs);
     m_tree->SetContextItem(inputs->child(0));  // NV-1108
@@ -212,4 +259,94 @@ TEST_F(CModuleTreeTest, TheRecentSelectionComesBack) {
     other.RestoreMru();
     ASSERT_NE(other.currentItem(), nullptr);
     EXPECT_EQ(other.currentItem()->text(0), QStringLiteral("NV-1232"));
+}
+
+TEST_F(CModuleTreeTest, APasteGoesOnOnlyWhenTheOwnerAnswersOne) {
+    // Regression: a paste went on with no owner to ask, and on any answer but 0.
+    QTreeWidgetItem* inputs = type(kInputs);
+    m_tree->setCurrentItem(inputs);
+    contextCommand(Child(inputs, QStringLiteral("NV-1108")), QStringLiteral("Copy"));
+    QTreeWidgetItem* outputs = type(kOutputs);
+    m_tree->setCurrentItem(outputs);
+
+    QStringList asked;
+    const auto owner = [&asked](int answer) {
+        return [&asked, answer](bool cut) {
+            asked << QStringLiteral("%1 cut=%2").arg(answer).arg(cut);
+            return answer;
+        };
+    };
+    m_tree->pasteApproval = nullptr;
+    contextCommand(outputs, QStringLiteral("Paste"));
+    for (int answer : {0, 2, -1}) {
+        m_tree->pasteApproval = owner(answer);
+        contextCommand(outputs, QStringLiteral("Paste"));
+    }
+    EXPECT_EQ(asked, QStringList({"0 cut=0", "2 cut=0", "-1 cut=0"}));
+    EXPECT_FALSE(storeHasModule(kOutputs, QStringLiteral("NV-1108")));
+    EXPECT_EQ(Child(outputs, QStringLiteral("NV-1108")), nullptr);
+
+    m_tree->pasteApproval = owner(1);
+    contextCommand(outputs, QStringLiteral("Paste"));
+    EXPECT_TRUE(storeHasModule(kOutputs, QStringLiteral("NV-1108")));
+    EXPECT_NE(Child(outputs, QStringLiteral("NV-1108")), nullptr);
+}
+
+TEST_F(CModuleTreeTest, APasteAsksAgainWhileTheNameGivenIsTakenToo) {
+    m_tree->pasteApproval = [](bool) { return 1; };
+    QTreeWidgetItem* inputs = type(kInputs);
+    m_tree->setCurrentItem(inputs);
+    contextCommand(Child(inputs, QStringLiteral("NV-1108")), QStringLiteral("Copy"));
+
+    QStringList offered;
+    QueuedModalScript script;
+    for (const char* name : {"NV-1116", "NV-1108-C"}) {
+        script.push([&offered, name](QDialog& dialog) {
+            auto* edit = FindControl<QLineEdit>(&dialog, CGetStringDlg::kIdValue);
+            offered << edit->text();
+            edit->selectAll();
+            QTest::keyClicks(edit, QString::fromLatin1(name));
+            QTest::mouseClick(FindControl<QPushButton>(&dialog, CGetStringDlg::kIdOk),
+                              Qt::LeftButton);
+            return 0;
+        });
+    }
+    contextCommand(inputs, QStringLiteral("Paste"));
+    EXPECT_TRUE(script.done());
+    EXPECT_EQ(offered, QStringList({"NV-1108", "NV-1116"}));
+    ASSERT_EQ(m_messages.shown.size(), 2u);
+    EXPECT_EQ(m_messages.shown[0].number, 10117);
+    EXPECT_TRUE(m_messages.shown[0].text.contains(QStringLiteral("NV-1108")));
+    EXPECT_EQ(m_messages.shown[1].number, 10117);
+    EXPECT_TRUE(m_messages.shown[1].text.contains(QStringLiteral("NV-1116")));
+    EXPECT_TRUE(storeHasModule(kInputs, QStringLiteral("NV-1108-C")));
+    EXPECT_NE(Child(inputs, QStringLiteral("NV-1108-C")), nullptr);
+    EXPECT_EQ(inputs->childCount(), 4);
+}
+
+TEST_F(CModuleTreeTest, LabelsOfManufacturersAndSeriesTake24CharactersAndTypes60) {
+    const QString typed =
+        QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+-*/");
+    QTreeWidgetItem* norvale = Child(root(), kNorvale);
+    const struct {
+        QTreeWidgetItem* item;
+        QString kept;
+    } cases[] = {
+        {Child(root(), QStringLiteral("Brightwater Industrial")),
+         QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWX")},
+        {Child(norvale, QStringLiteral("NV-500")), QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWX")},
+        {type(QStringLiteral("Analog Input")),
+         QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz01234567")},
+    };
+    for (const auto& c : cases) {
+        ASSERT_NE(c.item, nullptr);
+        contextCommand(c.item, QStringLiteral("Rename"));
+        typeKeys(typed);
+        EXPECT_EQ(c.item->text(0), c.kept);
+    }
+    CKVModuleDB db;
+    ASSERT_TRUE(db.Open(databasePath()));
+    EXPECT_TRUE(db.IndexExists(cases[0].kept, QString(), QString()));
+    EXPECT_TRUE(db.IndexExists(kNorvale, cases[1].kept, QString()));
+    EXPECT_TRUE(db.IndexExists(kNorvale, kSeries, cases[2].kept));
 }

@@ -11,8 +11,13 @@ void EditorFixture::SetUp() {
     ASSERT_TRUE(m_resources) << qPrintable(error);
     SetCurrentResources(m_resources.get());
     ZelPlcDbIO::SetInstance(&m_store);
+    startHost(4);
+}
+
+void EditorFixture::startHost(int precision) {
     StandaloneHostConfig config;
     config.supportPath = {m_dir.path(), BuildPath(QStringLiteral("sample"))};
+    config.linearPrecision = precision;
     m_host = std::make_unique<StandaloneHost>(config);
     m_host->setReporter([](const QString&) {});
     m_host->openDocument();

@@ -18,6 +18,8 @@ protected:
     void SetUp() override;
     void TearDown() override;
     QString databasePath() const { return m_dir.filePath(QStringLiteral("ZEL_PLC.MDB")); }
+    // A new host with this many decimals for the numbers it formats.
+    void startHost(int precision);
 
     QTemporaryDir m_dir;
     std::unique_ptr<ResourceLibrary> m_resources;

@@ -2,6 +2,7 @@
 #include "CKVModuleDB.h"
 #include "LispText.h"
 #include "ModDB.h"
+#include "SelectionChoices.h"
 #include "SelectionList.h"
 #include "StandaloneHost.h"
 #include "TestSupport.h"
@@ -242,13 +243,21 @@ TEST_F(SelectionListTest, PrintedAnswerReadsAsAListOfFiveInLisp) {
     module.SetBox(false, 3, -1.0);
     module.SetSpecNote(R"(say "hi" \ 50% ?)");
     module.SetPrompts({"SLOT", "", "RACK"});
+    SelectionChoices chosen;
+    chosen.SetStyle(kStyle);
+    chosen.SetHorizontal(true);
+    chosen.SetScale(2.5);
+    chosen.SetExtra(true);
     HostValue answer;
-    ASSERT_TRUE(BuildSelectionAnswer(module, &m_db, kStyle, false, true, 2.5, true, answer));
+    ASSERT_TRUE(BuildSelectionAnswer(module, &m_db, chosen, false, answer));
     const QStringList elements = Elements(answer.cells());
     ASSERT_EQ(elements.size(), 5);
     EXPECT_EQ(elements[4], R"(("3" "H" 2.5 1))");
+    SelectionChoices defaults;
+    defaults.SetStyle(9);
+    defaults.SetScale(0.0);
     HostValue choices;
-    AppendChoiceList(choices, 9, false, 0.0, false);
+    defaults.AppendTo(choices);
     EXPECT_EQ(LispText::Print(choices), R"(("9" "V" 0.0 nil))");
 
     QProcess lisp;

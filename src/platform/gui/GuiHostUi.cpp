@@ -3,12 +3,12 @@
 #include "Messages.h"
 
 #include <QApplication>
-#include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QScreen>
+#include <QTextBrowser>
 #include <QUrl>
 
 namespace {
@@ -38,13 +38,41 @@ bool GuiHostUi::chooseFile(const QString& title, const QString& defaultPath, con
     return true;
 }
 
+GuiHostUi::GuiHostUi(QString helpFolder) : m_helpFolder(std::move(helpFolder)) {}
+
+// The page opens in a window of the program's own: a desktop without a browser (or one
+// that cannot be started) then still shows it. The window belongs to the dialog that
+// asked, so that it takes input while that dialog runs modally, and goes with it.
 void GuiHostUi::showHelp(const QString& topic) {
     const QString path = HelpPath(topic);
-    if (QFileInfo::exists(path) && QDesktopServices::openUrl(QUrl::fromLocalFile(path))) {
+    if (!QFileInfo::exists(path)) {
+        Messages::ShowText(
+            QStringLiteral("There is no help page for the topic \"%1\": %2 is missing.")
+                .arg(topic, QDir::toNativeSeparators(path)),
+            QStringLiteral("Help"), MsgButtons::Ok, MsgIcon::Information);
         return;
     }
-    Messages::ShowText(QStringLiteral("There is no help page for the topic \"%1\".").arg(topic),
-                       QStringLiteral("Help"), MsgButtons::Ok, MsgIcon::Information);
+    QWidget* owner = QApplication::activeModalWidget();
+    if (!owner) {
+        owner = QApplication::activeWindow();
+    }
+    auto* window = owner ? owner->findChild<QTextBrowser*>(QLatin1String(kHelpWindowName),
+                                                           Qt::FindDirectChildrenOnly)
+                         : nullptr;
+    if (!window) {
+        window = new QTextBrowser(owner);
+        window->setObjectName(QLatin1String(kHelpWindowName));
+        window->setWindowFlag(Qt::Window);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        window->setOpenExternalLinks(true);
+        window->resize(640, 480);
+    }
+    window->setSource(QUrl::fromLocalFile(path));
+    const QString title = window->documentTitle();
+    window->setWindowTitle(title.isEmpty() ? QStringLiteral("Help") : title);
+    window->show();
+    window->raise();
+    window->activateWindow();
 }
 
 HostScale GuiHostUi::scale() const {
@@ -81,7 +109,10 @@ QString GuiHostUi::FileFilter(const QString& filter) {
         .arg(names.join(u'/'), patterns.join(u' '), kAllFiles);
 }
 
-QString GuiHostUi::HelpPath(const QString& topic) {
-    return QDir(QCoreApplication::applicationDirPath())
-        .filePath(QStringLiteral("help/%1.html").arg(topic));
+QString GuiHostUi::DefaultHelpFolder() {
+    return QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("help"));
+}
+
+QString GuiHostUi::HelpPath(const QString& topic) const {
+    return QDir(m_helpFolder).filePath(topic + QStringLiteral(".html"));
 }
