@@ -2,6 +2,7 @@
 
 #include "LispText.h"
 #include "StandaloneHost.h"
+#include "ZelUtils.h"
 
 #include <QTextStream>
 
@@ -21,12 +22,12 @@ bool CallOne(StandaloneHost& host, const QString& expression, QString& answer) {
     HostValue args;
     QString error;
     if (!LispText::ReadCall(expression, name, args, &error)) {
-        PrintError(QStringLiteral("cannot read %1: %2").arg(expression, error));
+        PrintError(QStringLiteral("cannot read %1: %2").arg(TextExcerpt(expression), error));
         return false;
     }
     if (!host.isExternal(name)) {
         PrintError(QStringLiteral("%1 is not an external function; known are %2")
-                       .arg(name, host.externalNames().join(QStringLiteral(", "))));
+                       .arg(TextExcerpt(name), host.externalNames().join(QStringLiteral(", "))));
         return false;
     }
     const StandaloneHost::CallResult result = host.callExternal(name, args);

@@ -128,13 +128,20 @@ int RunImportCommand(const CliOptions& options) {
     if (!ReadInput(options.arguments[0], data, &error)) {
         return Fail(QStringLiteral("import"), error);
     }
+    const QString name = options.arguments[0] == QStringLiteral("-")
+                             ? QStringLiteral("standard input")
+                             : options.arguments[0];
     QJsonParseError parseError;
     const QJsonDocument json = QJsonDocument::fromJson(data, &parseError);
-    if (parseError.error != QJsonParseError::NoError || !json.isObject()) {
+    if (parseError.error != QJsonParseError::NoError) {
         return Fail(QStringLiteral("import"),
                     QStringLiteral("%1 is no JSON document: %2 at offset %3")
-                        .arg(options.arguments[0], parseError.errorString())
-                        .arg(parseError.offset));
+                        .arg(name, parseError.errorString(), QString::number(parseError.offset)));
+    }
+    if (!json.isObject()) {
+        return Fail(QStringLiteral("import"),
+                    QStringLiteral("%1: the document is a JSON list, not the object of a catalog")
+                        .arg(name));
     }
     DatabaseSession session;
     if (!session.open(options, &error)) {
@@ -144,7 +151,8 @@ int RunImportCommand(const CliOptions& options) {
         return Fail(QStringLiteral("import"), QStringLiteral("the database is write-protected"));
     }
     if (!CatalogDocument::Import(session.db(), json.object(), &error)) {
-        return Fail(QStringLiteral("import"), error + QStringLiteral("; nothing was imported"));
+        return Fail(QStringLiteral("import"),
+                    QStringLiteral("%1: %2; nothing was imported").arg(name, error));
     }
     return 0;
 }

@@ -1,8 +1,10 @@
 #include "CatalogDocument.h"
 
 #include "CKVModuleDB.h"
+#include "ZelUtils.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
 
 namespace {
 
@@ -21,6 +23,12 @@ QJsonObject IndexObject(const QString& manufacturer, const QString& series, cons
     return QJsonObject{{QLatin1String(kManufacturer), manufacturer},
                        {QLatin1String(kSeries), series},
                        {QLatin1String(kType), type}};
+}
+
+// A value as the document writes it, for a message.
+QString JsonText(const QJsonValue& value) {
+    const QByteArray text = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+    return TextExcerpt(QString::fromUtf8(text.mid(1, text.size() - 2)));
 }
 
 bool Fail(QString* error, const QString& text) {
@@ -303,9 +311,14 @@ bool DocumentReader::read(const QJsonObject& document) {
     if (document.value(QStringLiteral("format")).toString() != QStringLiteral("plcdb")) {
         return fail(QStringLiteral("this is no plcdb document (\"format\" is not \"plcdb\")"));
     }
-    if (document.value(QStringLiteral("version")).toInt(-1) != CatalogDocument::kVersion) {
-        return fail(QStringLiteral("version %1 of the document is not known")
-                        .arg(document.value(QStringLiteral("version")).toVariant().toString()));
+    const QJsonValue version = document.value(QStringLiteral("version"));
+    if (version.isUndefined() || version.isNull()) {
+        return fail(QStringLiteral("the document has no \"version\""));
+    }
+    if (version.toInt(-1) != CatalogDocument::kVersion) {
+        return fail(QStringLiteral("version %1 of the document is not known; this program reads "
+                                   "version %2")
+                        .arg(JsonText(version), QString::number(CatalogDocument::kVersion)));
     }
     QJsonArray index, modules, styles, prompts;
     if (!array(document, "index", index) || !array(document, "modules", modules) ||

@@ -92,8 +92,13 @@ double wtof(const QString& text) {
     if (ok) {
         return value;
     }
-    // Only overflow is left: the runtime answers an infinite value of the right sign.
-    return number.startsWith(u'-') ? -HUGE_VAL : HUGE_VAL;
+    // Only underflow and overflow are left. An infinite value would travel on into value
+    // lists that no Lisp reads, so overflow stops at the largest finite value.
+    if (std::isinf(value)) {
+        return value < 0.0 ? -std::numeric_limits<double>::max()
+                           : std::numeric_limits<double>::max();
+    }
+    return 0.0;
 }
 
 int wtoi(const QString& text) {

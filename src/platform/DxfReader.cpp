@@ -358,8 +358,10 @@ DxfReader::Next DxfReader::readLine(QByteArray& line) {
     }
     // One buffer for all lines: a fresh buffer of the longest size per line costs more
     // than the reading.
+    // Room for the longest line, a byte order mark before it, "\r\n" behind it and the
+    // terminating zero that readLine adds.
     if (m_buffer.isEmpty()) {
-        m_buffer.resize(kMaxLineLength + 1);
+        m_buffer.resize(kMaxLineLength + 6);
     }
     const qint64 size = m_input.readLine(m_buffer.data(), m_buffer.size());
     if (size < 0) {
@@ -375,11 +377,12 @@ DxfReader::Next DxfReader::readLine(QByteArray& line) {
         fail(QStringLiteral("binary data; this is no drawing in text form"));
         return Next::Failed;
     }
-    if (!line.endsWith('\n') && !m_input.atEnd()) {
+    const bool cut = !line.endsWith('\n') && !m_input.atEnd();
+    line = Chomp(line);
+    if (cut || line.size() > kMaxLineLength) {
         fail(QStringLiteral("the line is longer than %1 bytes").arg(kMaxLineLength));
         return Next::Failed;
     }
-    line = Chomp(line);
     return Next::Group;
 }
 

@@ -97,7 +97,7 @@ public:
     static bool ReadFile(const QString& path, DxfDrawing& drawing, QString* error);
     static bool ReadFile(const QString& path, DxfSink& sink, QString* error);
 
-    // A longer line is no line of a drawing file.
+    // A longer line (counted without its line end) is no line of a drawing file.
     static constexpr qint64 kMaxLineLength = 1 << 20;
 
 private:

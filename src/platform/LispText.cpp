@@ -1,7 +1,10 @@
 #include "LispText.h"
 
+#include "ZelUtils.h"
+
 #include <QLocale>
 
+#include <cmath>
 #include <limits>
 
 namespace {
@@ -27,12 +30,25 @@ QString PrintString(const QString& text) {
     return out;
 }
 
+// Lisp has no text for an infinity or NaN: an infinity prints as the largest finite real of
+// its sign and NaN as 0.0, so that every printed list reads back.
 QString PrintReal(double value) {
+    if (std::isnan(value)) {
+        value = 0.0;
+    } else if (std::isinf(value)) {
+        value =
+            value < 0.0 ? -std::numeric_limits<double>::max() : std::numeric_limits<double>::max();
+    }
     QString out = QString::number(value, 'g', 15);
+    bool ok = false;
+    QLocale::c().toDouble(out, &ok);
+    if (!ok) {
+        // Fifteen digits round the largest reals up past the largest finite one;
+        // seventeen read back as the value itself.
+        out = QString::number(value, 'g', 17);
+    }
     // Keep reals recognisable as reals when read back.
-    const bool notFinite =
-        out.contains(QStringLiteral("inf")) || out.contains(QStringLiteral("nan"));
-    if (!notFinite && !out.contains(u'.') && !out.contains(u'e')) {
+    if (!out.contains(u'.') && !out.contains(u'e')) {
         out += QStringLiteral(".0");
     }
     return out;
@@ -197,15 +213,15 @@ bool Reader::readNumber(const QString& token, qsizetype start, HostValue& out) {
         if (!ok || value < std::numeric_limits<short>::min() ||
             value > std::numeric_limits<short>::max()) {
             return fail(QStringLiteral("integer %1 at position %2 is outside -32768..32767")
-                            .arg(token, position(start)));
+                            .arg(TextExcerpt(token), position(start)));
         }
         out.shortInt(static_cast<short>(value));
         return true;
     }
     const double value = QLocale::c().toDouble(token, &ok);
     if (!ok) {
-        return fail(
-            QStringLiteral("real %1 at position %2 is out of range").arg(token, position(start)));
+        return fail(QStringLiteral("real %1 at position %2 is out of range")
+                        .arg(TextExcerpt(token), position(start)));
     }
     out.real(value);
     return true;
@@ -225,7 +241,8 @@ bool Reader::readAtom(HostValue& out) {
         out.t();
         return true;
     }
-    return fail(QStringLiteral("unknown symbol '%1' at position %2").arg(token, position(start)));
+    return fail(QStringLiteral("unknown symbol '%1' at position %2")
+                    .arg(TextExcerpt(token), position(start)));
 }
 
 bool Reader::readMembers(HostValue& out, int depth, qsizetype open, bool evaluate) {
@@ -292,8 +309,8 @@ bool Reader::readListCall(HostValue& out, int depth, qsizetype open) {
         return fail(QStringLiteral("cannot evaluate the list at position %1").arg(position(open)));
     }
     if (head.compare(QStringLiteral("list"), Qt::CaseInsensitive) != 0) {
-        return fail(
-            QStringLiteral("cannot evaluate (%1 ...) at position %2").arg(head, position(open)));
+        return fail(QStringLiteral("cannot evaluate (%1 ...) at position %2")
+                        .arg(TextExcerpt(head), position(open)));
     }
     return readMembers(out, depth, open, true);
 }

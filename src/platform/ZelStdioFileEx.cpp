@@ -45,6 +45,36 @@ qsizetype IncompleteUtf8Tail(const QByteArray& data) {
     return 0;
 }
 
+// The number of bytes at the end of whole UTF-16 data that a high surrogate takes, whose
+// low half the next chunk brings.
+qsizetype OpenUtf16Pair(QByteArrayView data, QStringConverter::Encoding encoding) {
+    if (data.size() < 2) {
+        return 0;
+    }
+    const auto first = static_cast<unsigned char>(data[data.size() - 2]);
+    const auto second = static_cast<unsigned char>(data[data.size() - 1]);
+    const char16_t unit = encoding == QStringConverter::Utf16LE ? char16_t(first | second << 8)
+                                                                : char16_t(first << 8 | second);
+    return QChar::isHighSurrogate(unit) ? 2 : 0;
+}
+
+// The UTF-16 decoder passes surrogates without their partner through; they are no
+// characters, so they read as replacement characters like any other invalid input.
+void ReplaceLoneSurrogates(QString& text) {
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
+            ++i;
+        } else if (text[i].isSurrogate()) {
+            text[i] = QChar::ReplacementCharacter;
+        }
+    }
+}
+
+// The length of a line cut to at most limit units, never between the halves of a pair.
+qsizetype CutLength(const QString& text, qsizetype limit) {
+    return limit > 0 && text[limit - 1].isHighSurrogate() ? limit - 1 : limit;
+}
+
 }  // namespace
 
 ZelStdioFileEx::ZelStdioFileEx() = default;
@@ -118,18 +148,38 @@ bool ZelStdioFileEx::FillBuffer() {
             return false;
         }
         // An incomplete character at the end reads as replacement characters.
-        const QString rest = m_decoder.decode(m_carry);
-        m_buffer += rest.isEmpty() ? QString(QChar::ReplacementCharacter) : rest;
+        m_buffer += DecodeRest();
         m_carry.clear();
         return true;
     }
     bytes.prepend(m_carry);
-    const qsizetype tail =
-        m_encoding == QStringConverter::Utf8 ? IncompleteUtf8Tail(bytes) : bytes.size() % 2;
+    qsizetype tail = 0;
+    if (m_encoding == QStringConverter::Utf8) {
+        tail = IncompleteUtf8Tail(bytes);
+    } else {
+        tail = bytes.size() % 2;
+        tail += OpenUtf16Pair(QByteArrayView(bytes).chopped(tail), m_encoding);
+    }
     m_carry = bytes.right(tail);
     bytes.chop(tail);
-    m_buffer += m_decoder.decode(bytes);
+    QString text = m_decoder.decode(bytes);
+    ReplaceLoneSurrogates(text);
+    m_buffer += text;
     return true;
+}
+
+QString ZelStdioFileEx::DecodeRest() {
+    if (m_encoding == QStringConverter::Utf8) {
+        const QString rest = m_decoder.decode(m_carry);
+        return rest.isEmpty() ? QString(QChar::ReplacementCharacter) : rest;
+    }
+    // A high surrogate without its low half, then half a code unit.
+    QString rest = m_decoder.decode(m_carry.left(m_carry.size() & ~qsizetype(1)));
+    ReplaceLoneSurrogates(rest);
+    if (m_carry.size() % 2 != 0) {
+        rest += QChar::ReplacementCharacter;
+    }
+    return rest;
 }
 
 void ZelStdioFileEx::SkipRestOfLine() {
@@ -155,33 +205,34 @@ bool ZelStdioFileEx::ReadString(QString& line) {
     m_buffer.remove(0, m_readPos);
     m_readPos = 0;
 
+    // Enough text to tell whether the line is longer than the limit: the limit and a
+    // "\r" of the line end.
+    const qsizetype enough = kMaxLineLength + 2;
     qsizetype end = -1;
     qsizetype searched = 0;
-    while ((end = m_buffer.indexOf(u'\n', searched)) < 0) {
+    while ((end = m_buffer.indexOf(u'\n', searched)) < 0 && m_buffer.size() < enough) {
         searched = m_buffer.size();
-        if (searched > kMaxLineLength) {
-            line = m_buffer.left(kMaxLineLength);
-            SkipRestOfLine();
-            return true;
-        }
         if (!FillBuffer()) {
             break;
         }
     }
-    if (end < 0) {
-        // The last line of a file that doesn't end with a line end.
-        if (m_buffer.isEmpty()) {
-            return false;
-        }
-        line = m_buffer;
-        m_readPos = m_buffer.size();
+    if (end < 0 && m_buffer.isEmpty()) {
+        return false;
+    }
+    // The last line of a file may lack its line end.
+    qsizetype length = end < 0 ? m_buffer.size() : end;
+    if (end > 0 && m_buffer[end - 1] == u'\r') {
+        --length;
+    }
+    m_readPos = end < 0 ? m_buffer.size() : end + 1;
+    if (length <= kMaxLineLength) {
+        line = m_buffer.left(length);
         return true;
     }
-    m_readPos = end + 1;
-    if (end > 0 && m_buffer[end - 1] == u'\r') {
-        --end;
+    line = m_buffer.left(CutLength(m_buffer, kMaxLineLength));
+    if (end < 0) {
+        SkipRestOfLine();
     }
-    line = m_buffer.left(end);
     return true;
 }
 

@@ -10,7 +10,9 @@
 //
 // Reading recognises a byte order mark (UTF-8, UTF-16 LE or BE) and takes UTF-8 when
 // there is none; bytes that are not valid in the encoding, an incomplete character at
-// the end included, read as replacement characters. Writing keeps the encoding and the
+// the end and a UTF-16 surrogate without its partner included, read as replacement
+// characters. Only the first mark is taken off: a U+FEFF behind it is text and stays
+// in the first line. Writing keeps the encoding and the
 // mark that the file had when it was opened, even when opening empties it; a new or
 // empty file is written as UTF-8 without a mark.
 //
@@ -30,8 +32,9 @@ public:
     // Lines end with "\n" in memory; on Windows they are written as "\r\n".
     static constexpr unsigned typeText = 0x4000;
 
-    // A longer line is cut to this many characters and the rest of it is skipped, so
-    // that a binary file without line ends can't take all memory.
+    // A longer line is cut to this many UTF-16 units (one less where the cut would split
+    // a character) and the rest of it is skipped, so that a binary file without line
+    // ends can't take all memory. A line of exactly this length stays whole.
     static constexpr qsizetype kMaxLineLength = 1 << 20;
 
     ZelStdioFileEx();
@@ -57,6 +60,7 @@ public:
 
 private:
     bool FillBuffer();
+    QString DecodeRest();
     void SkipRestOfLine();
 
     QFile m_file;

@@ -98,3 +98,15 @@ QString GetStringAtCharCount(const QString& text, int count) {
     }
     return text.left(units);
 }
+
+QString TextExcerpt(const QString& text, qsizetype maxLength) {
+    if (text.size() <= maxLength) {
+        return text;
+    }
+    qsizetype cut = qMax<qsizetype>(maxLength, 1);
+    if (text[cut - 1].isHighSurrogate()) {
+        --cut;  // a character is shown whole or not at all
+    }
+    return QStringLiteral("%1... (%2 characters)")
+        .arg(text.left(cut), QString::number(text.size()));
+}

@@ -36,3 +36,8 @@ QString GetLocaleDecimalSep();
 int GetCharCount(const QString& text);
 int GetByteCount(const QString& text);
 QString GetStringAtCharCount(const QString& text, int count);
+
+// The text as a message quotes it: text longer than maxLength characters is cut, never
+// inside a character, and marked with "..." and its full length, so that no input
+// floods a message.
+QString TextExcerpt(const QString& text, qsizetype maxLength = 40);

@@ -50,6 +50,25 @@ TEST(CallCommand, UnreadableTextAndUnknownNamesExitWithStatusTwo) {
     }
 }
 
+// Regression: the error repeated the whole input, so megabytes of input gave megabytes
+// of message.
+TEST(CallCommand, ErrorsQuoteAShortExcerptOfAHugeInput) {
+    const QByteArray unclosed = "(zel_delay" + QByteArray(" 1").repeated(2000000);
+    const QByteArray unknown = '(' + QByteArray(1000000, 'f') + ')';
+    const PlcdbRun run = Call({QStringLiteral("-")}, unclosed + '\n' + unknown + '\n');
+    EXPECT_EQ(run.status, 2);
+    const QStringList lines = run.err.split(u'\n');
+    ASSERT_GE(lines.size(), 2);
+    EXPECT_EQ(lines[0],
+              "plcdb call: cannot read (zel_delay 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1... (4000010 "
+              "characters): missing ')' at the end of the call");
+    EXPECT_TRUE(lines[1].startsWith(
+        "plcdb call: ffffffffffffffffffffffffffffffffffffffff... (1000000 characters) is not an "
+        "external function; known are "))
+        << qPrintable(lines[1]);
+    EXPECT_LT(run.err.size(), 1000);
+}
+
 TEST(CallCommand, HelpIsThereForTheProgramAndItsCommands) {
     PlcdbRun main = RunPlcdb({QStringLiteral("--help")});
     EXPECT_EQ(main.status, 0);

@@ -128,6 +128,31 @@ TEST(DataCommands, FileNamesWithoutAFolderAreTakenFromTheCurrentFolder) {
     EXPECT_EQ(missing.err, QStringLiteral("plcdb list: the database none.mdb does not exist\n"));
 }
 
+// Regression: "[]" was refused with "no error occurred at offset 0" and a missing version
+// with "version  of the document".
+TEST(DataCommands, ImportSaysWhatIsWrongWithTheDocument) {
+    QTemporaryDir dir;
+    const QString database = NewDatabase(dir, QStringLiteral("x.db"));
+    const QString list = dir.filePath(QStringLiteral("list.json"));
+    QFile file(list);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[]");
+    file.close();
+    const PlcdbRun array = RunPlcdb({"--db", database, "import", list});
+    EXPECT_EQ(array.status, 1);
+    EXPECT_EQ(array.err, "plcdb import: " + list +
+                             ": the document is a JSON list, not the object of a catalog\n");
+    const PlcdbRun noVersion = RunPlcdb({"--db", database, "import", "-"}, R"({"format":"plcdb"})");
+    EXPECT_EQ(noVersion.status, 1);
+    EXPECT_EQ(
+        noVersion.err,
+        "plcdb import: standard input: the document has no \"version\"; nothing was imported\n");
+    const PlcdbRun broken = RunPlcdb({"--db", database, "import", "-"}, "{\"format\":");
+    EXPECT_EQ(
+        broken.err,
+        "plcdb import: standard input is no JSON document: unterminated object at offset 10\n");
+}
+
 TEST(DataCommands, MigrationCommandUpgradesTheFileItIsGiven) {
     QTemporaryDir dir;
     const QString old = dir.filePath(QStringLiteral("OLD.MDB"));

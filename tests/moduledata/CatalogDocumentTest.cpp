@@ -94,3 +94,20 @@ TEST_F(CatalogDocumentTest, TheReservedFieldIsRefusedAsUnknown) {
     EXPECT_EQ(error, R"(modules[0].spec has an unknown field "Reserved")");
     EXPECT_EQ(exported(), empty);
 }
+
+// Regression: a document without a version was refused as "version  of the document".
+TEST_F(CatalogDocumentTest, AWrongVersionSaysWhatIsWrong) {
+    const std::pair<const char*, const char*> cases[] = {
+        {R"({"format":"plcdb"})", "the document has no \"version\""},
+        {R"({"format":"plcdb","version":null})", "the document has no \"version\""},
+        {R"({"format":"plcdb","version":"1"})",
+         "version \"1\" of the document is not known; this program reads version 1"},
+        {R"({"format":"plcdb","version":[2]})",
+         "version [2] of the document is not known; this program reads version 1"},
+    };
+    for (const auto& [json, message] : cases) {
+        QString error;
+        EXPECT_FALSE(import(json, &error)) << json;
+        EXPECT_EQ(error, QString::fromUtf8(message));
+    }
+}

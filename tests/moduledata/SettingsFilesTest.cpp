@@ -48,6 +48,57 @@ TEST_F(SettingsFilesTest, SettingsWriteTrimsEachEntryAndReadsBackTheSame) {
     EXPECT_EQ(readBytes("KVDEFINF.DAT"), "d\n");
 }
 
+// Regression: a UTF-16 surrogate without its partner was read as it stood, so the lines
+// held text that is no character; and a U+FEFF behind the mark must stay in the text.
+TEST_F(SettingsFilesTest, ReadWriteReadOfASettingsFileChangesNothing) {
+    const QString feff = QStringLiteral("\uFEFF");
+    const struct {
+        const char* name;
+        QByteArray bytes;
+        QStringList lines;
+        QByteArray written;
+    } cases[] = {
+        {"utf-8",
+         "\xEF\xBB\xBF\xEF\xBB\xBF"
+         "first\nx\n",
+         {feff + "first", "x"},
+         "\xEF\xBB\xBF\xEF\xBB\xBF"
+         "first\nx\n"},
+        {"utf-16 le",
+         QByteArray("\xFF\xFE\xFF\xFEo\0\n\0\x00\xD8\n\0", 12),
+         {feff + "o", "\uFFFD"},
+         QByteArray("\xFF\xFE\xFF\xFEo\0\n\0\xFD\xFF\n\0", 12)},
+        {"utf-16 be",
+         QByteArray("\xFE\xFF\xFE\xFF\0o\0\n\xDC\x00\0\n", 12),
+         {feff + "o", "\uFFFD"},
+         QByteArray("\xFE\xFF\xFE\xFF\0o\0\n\xFF\xFD\0\n", 12)},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        writeBytes("KVDEFPMT.DAT", c.bytes);
+        CStringSettingsFile settings(path("KVDEFPMT.DAT"));
+        QStringList lines;
+        ASSERT_TRUE(settings.ReadArray(lines));
+        EXPECT_EQ(lines, c.lines);
+        ASSERT_TRUE(settings.WriteArray(lines));
+        EXPECT_EQ(readBytes("KVDEFPMT.DAT"), c.written);
+        QStringList again;
+        ASSERT_TRUE(settings.ReadArray(again));
+        EXPECT_EQ(again, lines);
+    }
+
+    writeBytes("blkplist.txt", QByteArray("\xFF\xFE:\0/\0\x00\xD8\n\0<\0x\0>\0", 16));
+    CPathListFile list;
+    list.SetFolder(m_dir.path());
+    QStringList paths;
+    ASSERT_TRUE(list.Read(paths));
+    EXPECT_EQ(paths, QStringList({NativePath("/\uFFFD/"), "<x>"}));
+    ASSERT_TRUE(list.Write(paths));
+    QStringList again;
+    ASSERT_TRUE(list.Read(again));
+    EXPECT_EQ(again, paths);
+}
+
 TEST_F(SettingsFilesTest, SettingsFailuresLeaveTheLinesAsTheyWere) {
     const QStringList before{"kept", ""};
     QStringList lines = before;

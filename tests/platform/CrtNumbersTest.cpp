@@ -37,7 +37,21 @@ TEST(CrtNumbers, IntegersStopAtTheFirstNonDigitAndClamp) {
     EXPECT_EQ(crt::wtol(QStringLiteral("")), 0L);
 }
 
-TEST(CrtNumbers, AHugeExponentGivesAnInfiniteValueOfTheRightSign) {
-    EXPECT_TRUE(std::isinf(crt::wtof(QStringLiteral("1e999"))));
-    EXPECT_LT(crt::wtof(QStringLiteral("-1e999")), 0.0);
+// Regression: "1e-400" read as infinity, so a box value "1e-400 mm" reached the
+// selection's value list as "inf", which no Lisp reads.
+TEST(CrtNumbers, RealsBeyondTheDoubleRangeStayFinite) {
+    const RealCase cases[] = {
+        {"1e-400 mm", 0.0},
+        {"-1e-400", 0.0},
+        {"1e-99999999999999999999", 0.0},
+        {"4.9e-324", 4.9406564584124654e-324},  // the smallest subnormal still reads
+        {"1e999 mm", 1.7976931348623157e308},
+        {"-1e999", -1.7976931348623157e308},
+        {"99999999999999999999e99999999999999999999", 1.7976931348623157e308},
+    };
+    for (const RealCase& c : cases) {
+        const double value = crt::wtof(QString::fromUtf8(c.text));
+        EXPECT_TRUE(std::isfinite(value)) << c.text;
+        EXPECT_EQ(value, c.value) << c.text;
+    }
 }

@@ -224,6 +224,41 @@ TEST(DxfReaderTest, RefusesWhatIsNoDrawingWithAReason) {
     }
 }
 
+// Regression: a line of exactly the longest length was refused.
+TEST(DxfReaderTest, TheLongestLineIsReadAndOneByteMoreIsNot) {
+    const QByteArray longest(DxfReader::kMaxLineLength, 'x');
+    const struct {
+        const char* name;
+        QByteArray text;
+        bool read;
+    } cases[] = {
+        {"at the limit", Entities({{0, "TEXT"}, {1, longest}}), true},
+        {"at the limit, crlf", Entities({{0, "TEXT"}, {1, longest}}, "\r\n"), true},
+        {"at the limit, first line behind a mark",
+         "\xEF\xBB\xBF" + QByteArray(DxfReader::kMaxLineLength - 1, ' ') + Entities({}), true},
+        {"one past", Entities({{0, "TEXT"}, {1, longest + "y"}}), false},
+        {"one past, crlf", Entities({{0, "TEXT"}, {1, longest + "y"}}, "\r\n"), false},
+        {"one past, last line",
+         Join({{0, "SECTION"}, {2, "ENTITIES"}, {0, "TEXT"}, {1, longest + "y"}}).chopped(1),
+         false},
+    };
+    for (const auto& c : cases) {
+        DxfDrawing drawing;
+        QString error;
+        EXPECT_EQ(DxfReader::ReadText(c.text, drawing, &error), c.read)
+            << c.name << ": " << error.toStdString();
+        if (c.read) {
+            EXPECT_EQ(drawing.texts.size(), c.text.contains("TEXT") ? 1 : 0) << c.name;
+        } else {
+            EXPECT_EQ(error, QStringLiteral("line 8: the line is longer than 1048576 bytes"))
+                << c.name;
+        }
+    }
+    DxfDrawing drawing;
+    ASSERT_TRUE(DxfReader::ReadText(cases[0].text, drawing, nullptr));
+    EXPECT_EQ(drawing.texts.value(0).text, QString::fromLatin1(longest));
+}
+
 TEST(DxfReaderTest, DecodesTextValues) {
     struct Case {
         QByteArray value;

@@ -1,7 +1,13 @@
 #include "LispText.h"
 
+#include "RealLisp.h"
+
+#include <QStringList>
+
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
 #include <vector>
 
 namespace {
@@ -76,6 +82,37 @@ TEST(LispTextTest, PrintedValuesReadBack) {
     }
 }
 
+// Regression: infinities printed as "inf", NaN as "nan" and the largest reals as
+// "1.79769313486232e+308", none of which any Lisp reads back.
+TEST(LispTextTest, EveryPrintedRealReadsBackInARealLisp) {
+    const double huge = std::numeric_limits<double>::max();
+    const std::vector<TextCase> cases = {
+        {"1.7976931348623157e+308", HostValue().real(std::numeric_limits<double>::infinity())},
+        {"-1.7976931348623157e+308", HostValue().real(-std::numeric_limits<double>::infinity())},
+        {"0.0", HostValue().real(std::nan(""))},
+        {"1.7976931348623157e+308", HostValue().real(huge)},
+        {"-1.7976931348623157e+308", HostValue().real(-huge)},
+        {"4.94065645841247e-324", HostValue().real(std::numeric_limits<double>::denorm_min())},
+        {"0.0", HostValue().real(-0.0)},
+    };
+    QStringList printed;
+    for (const TextCase& c : cases) {
+        const QString text = LispText::Print(c.value);
+        EXPECT_EQ(text, QString::fromUtf8(c.text));
+        HostValue back;
+        EXPECT_TRUE(LispText::Read(text, back)) << c.text;
+        printed.append(text);
+    }
+    const RealLispRun lisp =
+        RunRealLisp(QStringLiteral("(print (read))"), u'(' + printed.join(u' ') + u')');
+    if (!lisp.found) {
+        GTEST_SKIP() << "neither sbcl nor clisp is on PATH; the Lisp reader check is skipped";
+    }
+    EXPECT_EQ(lisp.output.toStdString(),
+              "(1.7976931348623157e308 -1.7976931348623157e308 0.0 1.7976931348623157e308 "
+              "-1.7976931348623157e308 4.9406564584124654e-324 0.0)");
+}
+
 TEST(LispTextTest, RejectsBadData) {
     const std::vector<ErrorCase> cases = {
         {"", "end of the text"},
@@ -96,6 +133,31 @@ TEST(LispTextTest, RejectsBadData) {
         EXPECT_FALSE(LispText::Read(QString::fromUtf8(c.text), value, &error)) << c.text;
         EXPECT_TRUE(error.contains(QString::fromUtf8(c.message))) << error.toStdString();
         EXPECT_EQ(value, HostValue().t()) << "failed read must leave the value alone";
+    }
+}
+
+// Regression: an error quoted the whole offending token, so a huge input gave a message
+// as huge.
+TEST(LispTextTest, ErrorsQuoteAShortExcerptOfAHugeToken) {
+    const QString huge = QString(100000, u'x');
+    const std::vector<std::pair<QString, QString>> cases = {
+        {huge,
+         "unknown symbol 'xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx... (100000 characters)' "
+         "at position 1"},
+        {"(f (" + huge + "))",
+         "cannot evaluate (xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx... (100000 characters) ...) "
+         "at position 4"},
+        {"(f " + QString(100000, u'9') + ")",
+         "integer 9999999999999999999999999999999999999999... (100000 characters) at position 4 "
+         "is outside -32768..32767"},
+    };
+    for (const auto& [text, message] : cases) {
+        HostValue value;
+        QString name;
+        QString error;
+        EXPECT_FALSE(text.startsWith(u'(') ? LispText::ReadCall(text, name, value, &error)
+                                           : LispText::Read(text, value, &error));
+        EXPECT_EQ(error, message);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QStringEncoder>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -125,6 +126,54 @@ TEST_F(ZelStdioFileExTest, OverlongLineIsCutAndTheNextLineFollows) {
     EXPECT_EQ(lines[1], "next");
     EXPECT_EQ(lines[2], QString(limit - 1, u'b'));
     EXPECT_EQ(lines[3], "last");
+}
+
+// Regression: lines of up to about 64 Ki units past the limit were kept whole.
+TEST_F(ZelStdioFileExTest, LinesAreCutExactlyAtTheLimit) {
+    const qsizetype limit = ZelStdioFileEx::kMaxLineLength;
+    const QByteArray atLimit(limit, 'a');
+    const QString cut(limit, u'a');
+    const struct {
+        const char* name;
+        QByteArray bytes;
+        QStringList lines;
+    } cases[] = {
+        {"at the limit", atLimit + "\nz", {cut, "z"}},
+        {"at the limit, crlf", atLimit + "\r\nz", {cut, "z"}},
+        {"one past", atLimit + "b\nz", {cut, "z"}},
+        {"one past, crlf", atLimit + "b\r\nz", {cut, "z"}},
+        {"one past, last line", atLimit + "b", {cut}},
+        {"30000 past", atLimit + QByteArray(30000, 'b') + "\nz", {cut, "z"}},
+        {"a pair across the limit is left out whole",
+         QByteArray(limit - 1, 'a') + "\xF0\x9F\x98\x80\nz",
+         {QString(limit - 1, u'a'), "z"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        writeBytes(c.bytes);
+        EXPECT_EQ(readLines(), c.lines);
+    }
+}
+
+// Regression: the UTF-16 decoder let surrogates without their partner through.
+TEST_F(ZelStdioFileExTest, UnpairedSurrogatesReadAsReplacementCharacters) {
+    // A pair split between two reads of the file stays one character.
+    const QString pad(32 * 1024 - 1, u'a');
+    QStringEncoder utf16(QStringEncoder::Utf16LE);
+    const QByteArray padBytes = utf16(pad);
+    const QByteArray split = Bytes("\xFF\xFE", 2) + padBytes + Bytes("\x3D\xD8\x00\xDE\n\0", 6);
+    const ReadCase cases[] = {
+        {"le", Bytes("\xFF\xFE\x00\xD8x\0\n\0\x00\xDC\n\0", 12), {"\uFFFDx", "\uFFFD"}},
+        {"be, low before high", Bytes("\xFE\xFF\xDC\x00\xD8\x00\0\n", 8), {"\uFFFD\uFFFD"}},
+        {"high at the end", Bytes("\xFF\xFEx\0\x3D\xD8", 6), {"x\uFFFD"}},
+        {"high and half a unit at the end", Bytes("\xFF\xFEx\0\x3D\xD8\x01", 7), {"x\uFFFD\uFFFD"}},
+        {"pair split between reads", split, {pad + QStringLiteral("\U0001F600")}},
+    };
+    for (const ReadCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        writeBytes(c.bytes);
+        EXPECT_EQ(readLines(), c.lines);
+    }
 }
 
 TEST_F(ZelStdioFileExTest, WritingKeepsTheEncodingOfTheEmptiedFile) {

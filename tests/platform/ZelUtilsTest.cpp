@@ -78,6 +78,15 @@ TEST(ZelUtils, CharacterCountsTreatSurrogatePairsAsOneCharacter) {
     EXPECT_EQ(cut, QStringLiteral("Manuf"));
 }
 
+TEST(ZelUtils, ExcerptsCutLongTextsNeverInsideACharacter) {
+    EXPECT_EQ(TextExcerpt(QStringLiteral("abc"), 3), QStringLiteral("abc"));
+    EXPECT_EQ(TextExcerpt(QStringLiteral("abcd"), 3), QStringLiteral("abc... (4 characters)"));
+    EXPECT_EQ(TextExcerpt(QStringLiteral("ab\U0001F600c"), 3),
+              QStringLiteral("ab... (5 characters)"));
+    // Text that looks like a placeholder stays as it is.
+    EXPECT_EQ(TextExcerpt(QStringLiteral("%2%1xx"), 4), QStringLiteral("%2%1... (6 characters)"));
+}
+
 TEST(CRegistryKey, ValuesSurviveAReopenAndMissingKeysDoNotOpen) {
     CRegistryKey writer;
     writer.SetRootToHCUK();
