@@ -32,8 +32,9 @@ bool DatabaseSession::open(const CliOptions& options, QString* error, bool bWith
         return false;
     }
     if (!m_db.Open(CliOptions::FullPath(path))) {
-        *error = QStringLiteral("cannot open the database %1 (code %2)")
-                     .arg(path)
+        const QString reason = m_db.GetLastFailure();
+        *error = QStringLiteral("cannot open the database %1%2 (code %3)")
+                     .arg(path, reason.isEmpty() ? QString() : QStringLiteral(": ") + reason)
                      .arg(m_db.GetLastError());
         return false;
     }

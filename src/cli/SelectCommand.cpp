@@ -111,13 +111,23 @@ int SelectWithoutDialog(const CliOptions& options, const SelectOptions& select) 
     CatalogPath path;
     if (!FindCatalog(session.db(), select.manufacturer, select.series, select.type, select.catalog,
                      path)) {
+        // A store that failed while looking is not an absent catalog.
+        const QString reason = session.db().GetLastFailure();
+        if (!reason.isEmpty()) {
+            return Fail(QStringLiteral("cannot read the database %1: %2")
+                            .arg(session.db().GetPath(), reason),
+                        kCancelled);
+        }
         return Fail(QStringLiteral("no catalog %1 under %2 / %3 / %4")
                         .arg(select.catalog, select.manufacturer, select.series, select.type),
                     kCancelled);
     }
     const int handle = session.db().LoadModule(path.table, path.catalog, false);
     if (handle == -1) {
-        return Fail(QStringLiteral("cannot read the module %1").arg(path.catalog), kCancelled);
+        const QString reason = session.db().GetLastFailure();
+        return Fail(QStringLiteral("cannot read the module %1%2")
+                        .arg(path.catalog, reason.isEmpty() ? QString() : ": " + reason),
+                    kCancelled);
     }
     CKVModule module = session.db().GetModule(handle);
     session.db().ReleaseModule(handle);

@@ -127,10 +127,22 @@ QString CKVModuleDB::TermTable(const QString& table) {
 
 ZelPlcDbIO* CKVModuleDB::Store() {
     ZelPlcDbIO* store = m_bOpen ? ZelPlcDbIO::Instance() : nullptr;
+    m_strFailure.clear();
     if (store == nullptr) {
         m_nError = kErrNotOpen;
+    } else {
+        // Each operation starts without a failure, so that the text afterwards is its own.
+        store->m_strLastError.clear();
     }
     return store;
+}
+
+QString CKVModuleDB::GetLastFailure() const {
+    const ZelPlcDbIO* store = ZelPlcDbIO::Instance();
+    if (!m_strFailure.isEmpty() || !m_bOpen || store == nullptr) {
+        return m_strFailure;
+    }
+    return store->m_strLastError;
 }
 
 bool CKVModuleDB::Open(const QString& path) {
@@ -152,17 +164,28 @@ bool CKVModuleDB::Open(const QString& path) {
     m_strDirectory = NativePath(path.left(cut + 1));
 
     ZelPlcDbIO* store = ZelPlcDbIO::Instance();
+    if (store == nullptr) {
+        m_nError = kErrCannotOpen;
+        m_strFailure = QStringLiteral("no store");
+        return false;
+    }
     const QString source = NativePath(path);
     const auto connect = [&](const QString& mode) {
-        return store != nullptr && store->PutConnectionString(kConnectionFormat.arg(source, mode));
+        const bool connected = store->PutConnectionString(kConnectionFormat.arg(source, mode));
+        m_strFailure = connected ? m_strFailure : store->m_strLastError;
+        return connected;
     };
+    m_strFailure.clear();
     if (!connect(kModeShared)) {
         // Stays set after a restricted open: it marks the connection as read-only.
         m_nError = kErrReadOnly;
-        if (!connect(kModeRead) && !connect(kModeExclusive)) {
+        // Another program's lock stops a reader as well: the wait is not repeated.
+        const QString refusal = m_strFailure;
+        if (store->LastFailureWasLock() || (!connect(kModeRead) && !connect(kModeExclusive))) {
             m_nError = kErrCannotOpen;
             return false;
         }
+        m_strFailure = refusal;
     }
     m_bOpen = true;
     return true;

@@ -59,6 +59,11 @@ public:
     bool Close();
     bool IsOpen() const { return m_bOpen; }
     int GetLastError() const { return m_nError; }
+    // Why the last operation failed, in the user's words ("not a plcdb database", "made by
+    // a newer plcdb", ...); empty when the store reported nothing. After an Open with code
+    // 26 it tells why the file opened for reading only. GetCatalogs, which answers true
+    // when the store fails, leaves the text here too.
+    QString GetLastFailure() const;
     const QString& GetPath() const { return m_strPath; }
 
     // Modules by handle.
@@ -125,7 +130,8 @@ private:
     bool WriteModule(CKVModule& module, const QString& table);
     bool WriteModuleSteps(ZelPlcDbIO& store, const CKVModule& module, const QString& table);
     bool RemoveModuleRows(ZelPlcDbIO& store, const QString& table, const QString& catalog);
-    // The store when this object is open; otherwise null and code 16.
+    // The store when this object is open; otherwise null and code 16. Clears the failure
+    // text.
     ZelPlcDbIO* Store();
     // The terminal table that belongs to a type's spec table.
     static QString TermTable(const QString& table);
@@ -133,6 +139,8 @@ private:
     int m_nLastHandle = 0;
     QList<_handleindex> m_listHandles;
     int m_nError = 0;
+    // The failure text of Open; the store holds that of later operations.
+    QString m_strFailure;
     bool m_bOpen = false;
     // Held by pointer: a module's copy and assignment deliberately drop or keep some
     // members, so the modules must never be copied when the list grows or shrinks.

@@ -38,6 +38,12 @@ bool Fail(QString* error, const QString& text) {
     return false;
 }
 
+// The store's reason for the failure of the last operation on db, behind a colon.
+QString Because(const CKVModuleDB& db) {
+    const QString reason = db.GetLastFailure();
+    return reason.isEmpty() ? QString() : QStringLiteral(": ") + reason;
+}
+
 QJsonObject SpecObject(const ModDB::ModSpecData& spec) {
     QJsonObject object;
     for (int place = 0; place < ModDB::ModSpecData::kFieldCount; ++place) {
@@ -60,14 +66,17 @@ QJsonArray TerminalArray(const QList<ModDB::ModTermData>& rows) {
 bool ExportModules(CKVModuleDB& db, const ModDB::IndexData& type, QJsonArray& modules,
                    QString* error) {
     QList<_idandcatalognum> catalogs;
-    if (!db.GetCatalogs(type.TableName, catalogs)) {
-        return Fail(error, QStringLiteral("cannot list the modules of %1").arg(type.Type));
+    // A failing store reads as a type without modules, but leaves its reason.
+    if (!db.GetCatalogs(type.TableName, catalogs) || !db.GetLastFailure().isEmpty()) {
+        return Fail(error,
+                    QStringLiteral("cannot list the modules of %1").arg(type.Type) + Because(db));
     }
     for (const _idandcatalognum& catalog : catalogs) {
         ModDB::ModSpecData spec;
         QList<ModDB::ModTermData> rows;
         if (!db.ReadRawModule(type.TableName, catalog.strCatalog, spec, rows)) {
-            return Fail(error, QStringLiteral("cannot read module %1").arg(catalog.strCatalog));
+            return Fail(error, QStringLiteral("cannot read module %1").arg(catalog.strCatalog) +
+                                   Because(db));
         }
         QJsonObject module = IndexObject(type.Manufacturer, type.Series, type.Type);
         module.insert(QStringLiteral("spec"), SpecObject(spec));
@@ -77,12 +86,12 @@ bool ExportModules(CKVModuleDB& db, const ModDB::IndexData& type, QJsonArray& mo
     return true;
 }
 
-QJsonArray ExportStyles(CKVModuleDB& db) {
-    QJsonArray styles;
+bool ExportStyles(CKVModuleDB& db, QJsonArray& styles, QString* error) {
     for (int number = 1; number <= kStyleCount; ++number) {
         ModDB::StyleBoxData style;
         if (!db.GetStyleBox(number, style)) {
-            continue;
+            return Fail(error,
+                        QStringLiteral("cannot read style box %1").arg(number) + Because(db));
         }
         QJsonObject object{{QStringLiteral("number"), number}};
         for (int box = 0; box < ModDB::StyleBoxData::kBoxCount; ++box) {
@@ -92,18 +101,19 @@ QJsonArray ExportStyles(CKVModuleDB& db) {
         }
         styles.append(object);
     }
-    return styles;
+    return true;
 }
 
-QJsonArray ExportPrompts(CKVModuleDB& db) {
-    QJsonArray prompts;
+bool ExportPrompts(CKVModuleDB& db, QJsonArray& prompts, QString* error) {
     QList<ModDB::PromptData> rows;
-    db.GetPromptRows(rows);
+    if (!db.GetPromptRows(rows)) {
+        return Fail(error, QStringLiteral("cannot read the prompts") + Because(db));
+    }
     for (const ModDB::PromptData& row : rows) {
         prompts.append(QJsonObject{{QStringLiteral("prompt"), row.Prompt},
                                    {QStringLiteral("localized"), row.Localized}});
     }
-    return prompts;
+    return true;
 }
 
 // Reading a document: every value is checked, and a wrong one names its place.
@@ -183,7 +193,8 @@ bool DocumentReader::ensureIndex(const QString& manufacturer, const QString& ser
         const QString t = depth >= 2 ? levels[2] : QString();
         if (!m_db.IndexExists(m, s, t) && !m_db.AddIndex(m, s, t)) {
             return fail(
-                QStringLiteral("%1: cannot add %2 / %3 / %4 to the index").arg(where, m, s, t));
+                QStringLiteral("%1: cannot add %2 / %3 / %4 to the index").arg(where, m, s, t) +
+                Because(m_db));
         }
     }
     return true;
@@ -264,14 +275,16 @@ bool DocumentReader::readModule(const QJsonObject& module, const QString& where)
     }
     QString table;
     if (!m_db.GetTypeTableName(manufacturer, series, type, table)) {
-        return fail(QStringLiteral("%1: the type %2 has no table").arg(where, type));
+        return fail(QStringLiteral("%1: the type %2 has no table").arg(where, type) +
+                    Because(m_db));
     }
     if (m_db.ModuleExists(table, record.Code)) {
         return fail(QStringLiteral("%1: catalog %2 already exists in %3 / %4 / %5")
                         .arg(where, record.Code, manufacturer, series, type));
     }
     if (!m_db.WriteRawModule(table, record, rows)) {
-        return fail(QStringLiteral("%1: cannot write catalog %2").arg(where, record.Code));
+        return fail(QStringLiteral("%1: cannot write catalog %2").arg(where, record.Code) +
+                    Because(m_db));
     }
     return true;
 }
@@ -288,8 +301,13 @@ bool DocumentReader::readStyle(const QJsonObject& style, const QString& where) {
             return false;
         }
     }
+    // The update answers nothing; its failure leaves the store's reason.
     m_db.UpdateStyleBox(number, record);
-    return true;
+    const QString reason = m_db.GetLastFailure();
+    return reason.isEmpty() || fail(QStringLiteral("%1: cannot write style box %2: %3")
+                                        .arg(where)
+                                        .arg(number)
+                                        .arg(reason));
 }
 
 bool DocumentReader::readPrompt(const QJsonObject& prompt, const QString& where) {
@@ -302,7 +320,8 @@ bool DocumentReader::readPrompt(const QJsonObject& prompt, const QString& where)
         return fail(QStringLiteral("%1 has no prompt").arg(where));
     }
     if (!m_db.AddPromptRow(row)) {
-        return fail(QStringLiteral("%1: cannot add the prompt %2").arg(where, row.Prompt));
+        return fail(QStringLiteral("%1: cannot add the prompt %2").arg(where, row.Prompt) +
+                    Because(m_db));
     }
     return true;
 }
@@ -346,27 +365,31 @@ bool DocumentReader::read(const QJsonObject& document) {
 bool CatalogDocument::Export(CKVModuleDB& db, QJsonObject& document, QString* error) {
     QList<ModDB::IndexData> rows;
     if (!db.GetIndexRows(rows)) {
-        return Fail(error, QStringLiteral("cannot read the index of the database"));
+        return Fail(error, QStringLiteral("cannot read the index of the database") + Because(db));
     }
-    QJsonArray index, modules;
+    QJsonArray index, modules, styles, prompts;
     for (const ModDB::IndexData& row : rows) {
         index.append(IndexObject(row.Manufacturer, row.Series, row.Type));
         if (!row.Type.isEmpty() && !ExportModules(db, row, modules, error)) {
             return false;
         }
     }
+    if (!ExportStyles(db, styles, error) || !ExportPrompts(db, prompts, error)) {
+        return false;
+    }
     document = QJsonObject{{QStringLiteral("format"), QStringLiteral("plcdb")},
                            {QStringLiteral("version"), kVersion},
                            {QStringLiteral("index"), index},
                            {QStringLiteral("modules"), modules},
-                           {QStringLiteral("styles"), ExportStyles(db)},
-                           {QStringLiteral("prompts"), ExportPrompts(db)}};
+                           {QStringLiteral("styles"), styles},
+                           {QStringLiteral("prompts"), prompts}};
     return true;
 }
 
 bool CatalogDocument::Import(CKVModuleDB& db, const QJsonObject& document, QString* error) {
     if (!db.BeginTransaction()) {
-        return Fail(error, QStringLiteral("cannot start a transaction on the database"));
+        return Fail(error,
+                    QStringLiteral("cannot start a transaction on the database") + Because(db));
     }
     DocumentReader reader(db, error);
     if (!reader.read(document)) {
@@ -374,8 +397,9 @@ bool CatalogDocument::Import(CKVModuleDB& db, const QJsonObject& document, QStri
         return false;
     }
     if (!db.CommitTransaction()) {
+        const QString reason = Because(db);
         db.RollbackTransaction();
-        return Fail(error, QStringLiteral("cannot write the document to the database"));
+        return Fail(error, QStringLiteral("cannot write the document to the database") + reason);
     }
     return true;
 }

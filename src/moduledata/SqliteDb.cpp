@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QUrl>
 
+#include <iterator>
+
 #include <sqlite3.h>
 
 namespace {
@@ -47,6 +49,7 @@ bool SqliteDb::openWith(const QString& path, const QByteArray& name, int flags) 
     const int result = sqlite3_open_v2(name.constData(), &handle, flags, nullptr);
     if (result != SQLITE_OK) {
         m_lastError = QStringLiteral("open %1: %2").arg(path, ErrorText(handle));
+        m_lastCode = handle ? sqlite3_extended_errcode(handle) : result;
         sqlite3_close_v2(handle);
         return false;
     }
@@ -54,6 +57,7 @@ bool SqliteDb::openWith(const QString& path, const QByteArray& name, int flags) 
     m_handle = handle;
     m_path = path;
     m_lastError.clear();
+    m_lastCode = SQLITE_OK;
     return true;
 }
 
@@ -68,16 +72,19 @@ void SqliteDb::close() {
         m_handle = nullptr;
     }
     m_depth = 0;
+    m_busyTimeoutMs = 0;
+    m_queryOnly = false;
 }
 
 bool SqliteDb::isReadOnly() const {
-    return m_handle && sqlite3_db_readonly(m_handle, "main") == 1;
+    return m_handle && (m_queryOnly || sqlite3_db_readonly(m_handle, "main") == 1);
 }
 
 bool SqliteDb::exec(const QString& sql) {
     if (!m_handle) {
         return fail(QStringLiteral("no database is open"));
     }
+    m_waitedMs = 0;
     if (sqlite3_exec(m_handle, sql.toUtf8().constData(), nullptr, nullptr, nullptr) != SQLITE_OK) {
         return noteFailure(QStringLiteral("exec"));
     }
@@ -93,6 +100,7 @@ SqliteStatement SqliteDb::prepare(const QString& sql) {
     // gets a statement of its own.
     sqlite3_stmt* statement = m_cache.take(sql);
     if (!statement) {
+        m_waitedMs = 0;
         const int bytes = static_cast<int>(sql.size() * sizeof(char16_t));
         if (sqlite3_prepare16_v3(m_handle, sql.utf16(), bytes, SQLITE_PREPARE_PERSISTENT,
                                  &statement, nullptr) != SQLITE_OK) {
@@ -141,12 +149,44 @@ bool SqliteDb::setBusyTimeout(int milliseconds) {
     if (!m_handle) {
         return fail(QStringLiteral("no database is open"));
     }
-    return sqlite3_busy_timeout(m_handle, milliseconds) == SQLITE_OK ||
-           noteFailure(QStringLiteral("busy timeout"));
+    const int result = milliseconds > 0 ? sqlite3_busy_handler(m_handle, &waitForLock, this)
+                                        : sqlite3_busy_handler(m_handle, nullptr, nullptr);
+    if (result != SQLITE_OK) {
+        return noteFailure(QStringLiteral("busy timeout"));
+    }
+    m_busyTimeoutMs = qMax(milliseconds, 0);
+    return true;
+}
+
+// Sleeps a little longer at each attempt, as SQLite's own timeout does, and keeps count of
+// the time, so that a failure can tell how long it waited. The sleep goes through
+// SQLite, whose system layer does the waiting.
+int SqliteDb::waitForLock(void* self, int attempt) {
+    static const int kDelays[] = {1, 2, 5, 10, 15, 20, 25, 25, 25, 50, 50, 100};
+    constexpr int kLast = int(std::size(kDelays)) - 1;
+    auto* db = static_cast<SqliteDb*>(self);
+    const int left = db->m_busyTimeoutMs - db->m_waitedMs;
+    if (left <= 0) {
+        return 0;
+    }
+    const int delay = qMin(kDelays[qMin(attempt, kLast)], left);
+    sqlite3_sleep(delay);
+    db->m_waitedMs += delay;
+    return 1;
+}
+
+bool SqliteDb::setQueryOnly() {
+    m_queryOnly = exec(QStringLiteral("PRAGMA query_only = ON"));
+    return m_queryOnly;
 }
 
 bool SqliteDb::setExclusiveLocking() {
     return exec(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
+}
+
+QString SqliteDb::journalMode() {
+    SqliteStatement statement = prepare(QStringLiteral("PRAGMA journal_mode"));
+    return statement.next() ? statement.text(0).toLower() : QString();
 }
 
 bool SqliteDb::enableWal() {
@@ -168,29 +208,29 @@ bool SqliteDb::backupTo(const QString& path) {
     }
     SqliteDb target;
     if (!target.open(path, SqliteOpenMode::Create)) {
-        return fail(target.lastError());
-    }
-    sqlite3_backup* backup = sqlite3_backup_init(target.m_handle, "main", m_handle, "main");
-    bool done = backup && sqlite3_backup_step(backup, -1) == SQLITE_DONE;
-    done = (backup && sqlite3_backup_finish(backup) == SQLITE_OK) && done;
-    if (!done) {
-        const QString reason = ErrorText(target.m_handle);
-        target.close();
-        QFile::remove(path);
-        return fail(QStringLiteral("backup to %1: %2").arg(path, reason));
-    }
-    return true;
-}
-
-bool SqliteDb::isWalFile(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+        fail(target.lastError());
+        m_lastCode = target.lastCode();
         return false;
     }
-    const QByteArray header = file.read(20);
-    // Bytes 18 and 19 hold the read and write versions: 2 in WAL mode.
-    return header.size() == 20 && header.startsWith(QByteArray("SQLite format 3\0", 16)) &&
-           header.at(18) == 2 && header.at(19) == 2;
+    sqlite3_backup* backup = sqlite3_backup_init(target.m_handle, "main", m_handle, "main");
+    if (!backup) {
+        fail(QStringLiteral("backup to %1: %2").arg(path, ErrorText(target.m_handle)));
+        m_lastCode = sqlite3_extended_errcode(target.m_handle);
+        return false;
+    }
+    const int stepped = sqlite3_backup_step(backup, -1);
+    const int finished = sqlite3_backup_finish(backup);
+    if (stepped != SQLITE_DONE || finished != SQLITE_OK) {
+        // The source's lock or the target's full disk: the first failure tells why.
+        const int code = stepped != SQLITE_DONE ? stepped : finished;
+        const QString reason = QString::fromUtf8(sqlite3_errstr(code));
+        target.close();
+        QFile::remove(path);
+        fail(QStringLiteral("backup to %1: %2").arg(path, reason));
+        m_lastCode = code;
+        return false;
+    }
+    return true;
 }
 
 bool SqliteDb::beginTransaction() {
@@ -219,8 +259,10 @@ bool SqliteDb::commitTransaction() {
     const bool committed = exec(QStringLiteral("COMMIT"));
     if (!committed && m_handle && !sqlite3_get_autocommit(m_handle)) {
         const QString reason = m_lastError;
+        const int code = m_lastCode;
         exec(QStringLiteral("ROLLBACK"));
         m_lastError = reason;
+        m_lastCode = code;
     }
     m_depth = 0;
     return committed;
@@ -231,6 +273,7 @@ void SqliteDb::rollbackTransaction() {
         return;
     }
     const QString reason = m_lastError;
+    const int code = m_lastCode;
     if (m_depth > 1) {
         const QString name = SavepointName(m_depth);
         exec(QStringLiteral("ROLLBACK TO %1; RELEASE %1").arg(name));
@@ -239,15 +282,18 @@ void SqliteDb::rollbackTransaction() {
     }
     // The failure that led here is the one worth reporting.
     m_lastError = reason;
+    m_lastCode = code;
     --m_depth;
 }
 
 bool SqliteDb::noteFailure(const QString& what) {
     m_lastError = QStringLiteral("%1: %2").arg(what, ErrorText(m_handle));
+    m_lastCode = m_handle ? sqlite3_extended_errcode(m_handle) : SQLITE_NOMEM;
     return false;
 }
 
 bool SqliteDb::fail(const QString& message) {
     m_lastError = message;
+    m_lastCode = SQLITE_ERROR;
     return false;
 }

@@ -9,6 +9,8 @@ struct sqlite3;
 struct sqlite3_stmt;
 
 // How a database file is opened. Neither ReadWrite nor ReadOnly ever makes a file.
+// ReadOnly is the operating system's read-only open: on a file in WAL mode SQLite then
+// makes its log files beside it and leaves them behind when it closes.
 enum class SqliteOpenMode { ReadWrite, ReadOnly, Create };
 
 // One connection to an SQLite file. Failures answer false (or an invalid statement)
@@ -31,9 +33,15 @@ public:
     bool openImmutable(const QString& path);
     void close();
     bool isOpen() const { return m_handle != nullptr; }
+    // True on a read-only open and after setQueryOnly.
     bool isReadOnly() const;
     const QString& path() const { return m_path; }
     const QString& lastError() const { return m_lastError; }
+    // SQLite's extended result code of the last failure; SQLITE_ERROR for one of our own.
+    int lastCode() const { return m_lastCode; }
+    int busyTimeout() const { return m_busyTimeoutMs; }
+    // How long the last statement waited for another connection's lock.
+    int lastWait() const { return m_waitedMs; }
 
     // Runs one or more statements without parameters.
     bool exec(const QString& sql);
@@ -44,15 +52,18 @@ public:
 
     bool userVersion(int& version);
     bool setUserVersion(int version);
+    // Waits up to that long for another connection's lock; 0 fails at once.
     bool setBusyTimeout(int milliseconds);
+    // Refuses every change from now on, on a connection that the system lets write.
+    bool setQueryOnly();
     // Keeps the file locked from the first access until the connection closes.
     bool setExclusiveLocking();
+    // "wal", "delete", ... as SQLite reports it; empty when it can't be read.
+    QString journalMode();
     // Write-ahead log, so that readers and a writer in other programs don't block each other.
     bool enableWal();
     // Writes a consistent copy of the whole database to a new file at path.
     bool backupTo(const QString& path);
-    // Whether the file at path is an SQLite file in WAL journal mode (from its header).
-    static bool isWalFile(const QString& path);
 
     bool beginTransaction();
     bool commitTransaction();
@@ -65,10 +76,15 @@ private:
     bool noteFailure(const QString& what);
     bool fail(const QString& message);
     bool openWith(const QString& path, const QByteArray& name, int flags);
+    static int waitForLock(void* self, int attempt);
 
     sqlite3* m_handle = nullptr;
     QString m_path;
     QString m_lastError;
     QHash<QString, sqlite3_stmt*> m_cache;
     int m_depth = 0;
+    int m_lastCode = 0;
+    int m_busyTimeoutMs = 0;
+    int m_waitedMs = 0;
+    bool m_queryOnly = false;
 };

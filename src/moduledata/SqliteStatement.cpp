@@ -80,6 +80,7 @@ bool SqliteStatement::next() {
     if (m_failed) {
         return false;
     }
+    m_db->m_waitedMs = 0;
     const int result = sqlite3_step(m_statement);
     if (result == SQLITE_ROW) {
         return true;

@@ -4,10 +4,13 @@
 #include "SqliteDb.h"
 #include "SqliteStatement.h"
 #include "SqliteTransaction.h"
+#include "StoreFailure.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
+
+#include <sqlite3.h>
 
 #include <iterator>
 
@@ -52,6 +55,74 @@ QString SpecTable(int version) {
         .arg(columns.join(QLatin1String(", ")));
 }
 
+// A write-ahead log or a rollback journal beside the file: some program is writing it,
+// or was when it stopped.
+bool LogBeside(const QString& path) {
+    return QFileInfo::exists(path + QStringLiteral("-wal")) ||
+           QFileInfo::exists(path + QStringLiteral("-journal"));
+}
+
+// Decided by the permission bits too, since a privileged user could write anyway.
+bool IsWriteProtected(const QFileInfo& file) {
+    return !file.permissions().testFlag(QFileDevice::WriteOwner) || !file.isWritable();
+}
+
+// A reader goes through a connection that the system lets write, held back by
+// query_only: only such a connection removes, when it closes, the log files that SQLite
+// makes beside a WAL file; a read-only one leaves them behind. A write-protected file
+// with no log beside it is being written by nobody and is read as it stands, without
+// locks and without making a log.
+bool OpenToRead(SqliteDb& db, const QString& path, const QFileInfo& file) {
+    if (!IsWriteProtected(file)) {
+        return db.open(path, SqliteOpenMode::ReadWrite) && db.setQueryOnly();
+    }
+    return LogBeside(path) ? db.open(path, SqliteOpenMode::ReadOnly) : db.openImmutable(path);
+}
+
+// Whether db holds every table of the store and a version; error names what is amiss.
+bool ReadVersion(SqliteDb& db, int& version, QString& error) {
+    SqliteStatement statement =
+        db.prepare(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table' AND name IN "
+                                  "(?, ?, ?, ?, ?)"));
+    for (int table = 0; table < kTableCount; ++table) {
+        statement.bind(table + 1, QLatin1String(kTableNames[table]));
+    }
+    QStringList present;
+    while (statement.next()) {
+        present << statement.text(0);
+    }
+    if (statement.failed()) {
+        error = StoreFailure::Describe(db);
+        return false;
+    }
+    if (present.isEmpty()) {
+        error = StoreFailure::NotOurs();
+        return false;
+    }
+    for (const char* table : kTableNames) {
+        if (!present.contains(QLatin1String(table))) {
+            error = StoreFailure::MissingTable(QLatin1String(table));
+            return false;
+        }
+    }
+    if (!db.userVersion(version)) {
+        error = StoreFailure::Describe(db);
+        return false;
+    }
+    if (version < kFirstVersion) {
+        error = StoreFailure::NotOurs();
+        return false;
+    }
+    return true;
+}
+
+// The first access failed without reaching the file's content, as when the shared
+// memory of a WAL file can't be made in a folder we can't write.
+bool NotReached(const SqliteDb& db) {
+    const int code = db.lastCode() & 0xff;
+    return code == SQLITE_CANTOPEN || code == SQLITE_READONLY;
+}
+
 QString StyleTable() {
     QStringList columns{QStringLiteral("number INTEGER PRIMARY KEY")};
     for (int box = 0; box < ModDB::StyleBoxData::kBoxCount; ++box) {
@@ -83,15 +154,35 @@ bool Create(SqliteDb& db, int version) {
            transaction.commit();
 }
 
+namespace {
+
+// Whether the file that db opened is still empty: only then is it the one we made, since
+// another program may have made one at the path in the meantime.
+bool IsEmpty(SqliteDb& db) {
+    SqliteStatement statement = db.prepare(QStringLiteral("PRAGMA page_count"));
+    return statement.next() && statement.toInt(0) == 0;
+}
+
+}  // namespace
+
 bool CreateFile(const QString& path, int version, QString* error) {
     SqliteDb db;
     QString reason;
     if (QFileInfo::exists(path)) {
         reason = QStringLiteral("%1 exists already").arg(path);
-    } else if (!db.open(path, SqliteOpenMode::Create) || !Create(db, version)) {
+    } else if (!db.open(path, SqliteOpenMode::Create)) {
         reason = db.lastError();
-        db.close();
-        QFile::remove(path);
+    } else if (!IsEmpty(db)) {
+        reason = QStringLiteral("%1 exists already").arg(path);
+    } else {
+        // A new file starts with the write-ahead log; a file system without shared memory
+        // keeps the rollback journal.
+        db.enableWal();
+        if (!Create(db, version)) {
+            reason = db.lastError();
+            db.close();
+            QFile::remove(path);
+        }
     }
     if (error) {
         *error = reason;
@@ -99,39 +190,51 @@ bool CreateFile(const QString& path, int version, QString* error) {
     return reason.isEmpty();
 }
 
-bool OpenForReading(SqliteDb& db, const QString& path, bool exclusive) {
-    if (!db.open(path, SqliteOpenMode::ReadOnly)) {
+bool Open(SqliteDb& db, const QString& path, Access access, int& version, QString& error) {
+    const QFileInfo file(path);
+    if (file.isDir()) {
+        error = StoreFailure::Folder();
+        return false;
+    }
+    if (!file.isFile()) {
+        error = StoreFailure::Missing();
+        return false;
+    }
+    const bool write = access == Access::Write;
+    if (write && IsWriteProtected(file)) {
+        error = StoreFailure::WriteProtected();
+        return false;
+    }
+    const bool opened =
+        write ? db.open(path, SqliteOpenMode::ReadWrite) : OpenToRead(db, path, file);
+    if (!opened) {
+        error = StoreFailure::Describe(db);
         return false;
     }
     db.setBusyTimeout(kBusyTimeoutMs);
-    // Only a rollback journal lets a reader lock writers out; in WAL mode a reader
-    // always shares the file.
-    const bool wal = SqliteDb::isWalFile(path);
-    if (exclusive && !wal) {
+    if (write && db.isReadOnly()) {
+        error = StoreFailure::WriteProtected();
+        db.close();
+        return false;
+    }
+    if (!ReadVersion(db, version, error)) {
+        if (write || !NotReached(db) || LogBeside(path) || !db.openImmutable(path) ||
+            !ReadVersion(db, version, error)) {
+            db.close();
+            return false;
+        }
+    }
+    if (write && version > kCurrentVersion) {
+        error = StoreFailure::Newer();
+        db.close();
+        return false;
+    }
+    // Only a rollback journal lets a reader lock writers out; in WAL mode a reader always
+    // shares the file. The lock is taken at the next read and held from then on.
+    if (access == Access::ReadExclusive && db.journalMode() != QLatin1String("wal")) {
         db.setExclusiveLocking();
     }
-    if (HasTables(db)) {
-        return true;
-    }
-    // A WAL file in a folder we can't write can't be read the usual way, as its shared
-    // memory file can't be made; when no log is waiting, nobody is writing and the file
-    // can be read as it stands.
-    if (wal && !QFileInfo::exists(path + QStringLiteral("-wal")) && db.openImmutable(path) &&
-        HasTables(db)) {
-        return true;
-    }
-    db.close();
-    return false;
-}
-
-bool HasTables(SqliteDb& db) {
-    SqliteStatement statement = db.prepare(
-        QStringLiteral("SELECT count(*) FROM sqlite_master WHERE type = 'table' AND name IN "
-                       "(?, ?, ?, ?, ?)"));
-    for (int table = 0; table < kTableCount; ++table) {
-        statement.bind(table + 1, QLatin1String(kTableNames[table]));
-    }
-    return statement.next() && statement.toInt(0) == kTableCount;
+    return true;
 }
 
 bool Upgrade(SqliteDb& db, int fromVersion) {

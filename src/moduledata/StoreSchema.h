@@ -16,15 +16,18 @@ constexpr int kBusyTimeoutMs = 3000;
 // Spec fields that a file of the version holds, in record order.
 int SpecFieldCount(int version);
 
-// Makes a new database file of the version; fails when the file exists.
+// How a file is opened by Open.
+enum class Access { Write, Read, ReadExclusive };
+
+// Makes a new database file of the version, in WAL mode; fails when the file exists.
 bool CreateFile(const QString& path, int version, QString* error);
 // Makes the tables in an empty database, with the nine style rows, and stamps the version.
 bool Create(SqliteDb& db, int version);
-// Opens the file at path for reading, exclusively (locking out writers) when asked and
-// the file's journal allows it; true when it holds the tables of the store.
-bool OpenForReading(SqliteDb& db, const QString& path, bool exclusive);
-// True when every table of the store is present.
-bool HasTables(SqliteDb& db);
+// Opens the module database at path and reads its version. Write refuses a
+// write-protected file and one of a newer version; ReadExclusive locks writers out where
+// the file's journal allows it. Nothing is written on opening, and no read leaves a file
+// beside the database. False with the cause in error otherwise.
+bool Open(SqliteDb& db, const QString& path, Access access, int& version, QString& error);
 // Adds what later versions brought, up to the current one. The caller holds the transaction.
 bool Upgrade(SqliteDb& db, int fromVersion);
 

@@ -14,8 +14,8 @@ namespace {
 // The schema version of the store file at path; false when it is none or can't be read.
 bool ReadVersion(const QString& path, int& version) {
     SqliteDb db;
-    return QFileInfo(path).isFile() && StoreSchema::OpenForReading(db, path, false) &&
-           db.userVersion(version) && version >= StoreSchema::kFirstVersion;
+    QString error;
+    return StoreSchema::Open(db, path, StoreSchema::Access::Read, version, error);
 }
 
 QString BackupPath(const QString& path, int version) {
@@ -78,19 +78,16 @@ bool Migrate(QString path, bool bShowUi, bool bSilent, MigrationHelpCallback hel
     Q_UNUSED(s4);
     path = NativePath(path);
     int version = 0;
-    if (!ReadVersion(path, version) || version >= StoreSchema::kCurrentVersion ||
-        !QFileInfo(path).permissions().testFlag(QFileDevice::WriteOwner)) {
+    if (!ReadVersion(path, version) || version >= StoreSchema::kCurrentVersion) {
         return false;
     }
     if (ZelPlcDbIO* store = ZelPlcDbIO::Instance()) {
         store->ReleaseFile(path);
     }
     SqliteDb db;
-    if (!db.open(path, SqliteOpenMode::ReadWrite) || db.isReadOnly()) {
-        return false;
-    }
-    db.setBusyTimeout(StoreSchema::kBusyTimeoutMs);
-    return Upgrade(db, path, version);
+    QString error;
+    return StoreSchema::Open(db, path, StoreSchema::Access::Write, version, error) &&
+           Upgrade(db, path, version);
 }
 
 bool CreateVersion1Database(const QString& path, QString* error) {

@@ -1,6 +1,7 @@
 #include "ZelPlcDbIO.h"
 
 #include "SqliteDb.h"
+#include "StoreFailure.h"
 #include "StoreSchema.h"
 #include "ZelUtils.h"
 
@@ -9,6 +10,8 @@
 namespace {
 
 ZelPlcDbIO* g_store = nullptr;
+
+static_assert(ZelPlcDbIO::kSchemaVersion == StoreSchema::kCurrentVersion);
 
 // What a connection text asks for.
 struct ConnectionTarget {
@@ -80,35 +83,11 @@ bool SameFile(const QString& a, const QString& b) {
     return !canonical.isEmpty() && canonical == QFileInfo(b).canonicalFilePath();
 }
 
-bool OpenForWriting(SqliteDb& db, const QString& path, QString& error) {
-    if (!db.open(path, SqliteOpenMode::ReadWrite)) {
-        error = db.lastError();
-        return false;
-    }
-    db.setBusyTimeout(StoreSchema::kBusyTimeoutMs);
-    if (db.isReadOnly()) {
-        error = QStringLiteral("%1 is write-protected").arg(path);
-        return false;
-    }
-    return StoreSchema::HasTables(db);
-}
-
-bool OpenStoreFile(SqliteDb& db, const ConnectionTarget& target, int& version, QString& error) {
-    const bool ours = target.writable
-                          ? OpenForWriting(db, target.path, error)
-                          : StoreSchema::OpenForReading(db, target.path, target.exclusive);
-    if (!ours || !db.userVersion(version) || version < StoreSchema::kFirstVersion) {
-        if (error.isEmpty()) {
-            error = QStringLiteral("%1 is no module database: %2").arg(target.path, db.lastError());
-        }
-        return false;
-    }
-    // Only now, so that a foreign file is never changed. A file system without shared
-    // memory keeps the rollback journal.
+StoreSchema::Access AccessOf(const ConnectionTarget& target) {
     if (target.writable) {
-        db.enableWal();
+        return StoreSchema::Access::Write;
     }
-    return true;
+    return target.exclusive ? StoreSchema::Access::ReadExclusive : StoreSchema::Access::Read;
 }
 
 }  // namespace
@@ -137,14 +116,6 @@ bool ZelPlcDbIO::PutConnectionString(const QString& connection) {
     if (!ParseConnection(connection, target)) {
         return Fail(QStringLiteral("the connection names no data source"));
     }
-    const QFileInfo file(target.path);
-    if (!file.isFile()) {
-        return Fail(QStringLiteral("%1 doesn't exist").arg(target.path));
-    }
-    // Decided by the permission bits, since a privileged user could write anyway.
-    if (target.writable && !file.permissions().testFlag(QFileDevice::WriteOwner)) {
-        return Fail(QStringLiteral("%1 is write-protected").arg(target.path));
-    }
     // The old connection stays unless it is to the same file, whose locks it might hold.
     if (m_db && SameFile(m_db->path(), target.path)) {
         CloseConnection();
@@ -152,14 +123,18 @@ bool ZelPlcDbIO::PutConnectionString(const QString& connection) {
     auto db = std::make_unique<SqliteDb>();
     int version = 0;
     QString error;
-    if (!OpenStoreFile(*db, target, version, error)) {
-        return Fail(error);
+    if (!StoreSchema::Open(*db, target.path, AccessOf(target), version, error)) {
+        return Fail(error, StoreFailure::IsLock(*db));
     }
     CloseConnection();
     m_db = std::move(db);
     m_connection = connection;
     m_schemaVersion = version;
     return true;
+}
+
+bool ZelPlcDbIO::LastFailureWasLock() const {
+    return m_lockFailure;
 }
 
 void ZelPlcDbIO::ReleaseFile(const QString& path) {
@@ -176,6 +151,7 @@ void ZelPlcDbIO::CloseConnection() {
     m_connection.clear();
     m_schemaVersion = 0;
     m_released = false;
+    m_logChosen = false;
     m_prompts.clear();
     m_promptsLoaded = false;
 }
@@ -185,7 +161,10 @@ SqliteDb* ZelPlcDbIO::Connection() {
         const QString connection = m_connection;
         m_connection.clear();
         m_released = false;
-        PutConnectionString(connection);
+        // A failure to open again keeps its own reason.
+        if (!PutConnectionString(connection)) {
+            return nullptr;
+        }
     }
     if (!m_db) {
         Fail(QStringLiteral("no database is open"));
@@ -195,24 +174,45 @@ SqliteDb* ZelPlcDbIO::Connection() {
 
 SqliteDb* ZelPlcDbIO::WritableConnection() {
     SqliteDb* db = Connection();
-    if (db && db->isReadOnly()) {
-        Fail(QStringLiteral("the database is open for reading only"));
+    if (!db) {
         return nullptr;
+    }
+    if (db->isReadOnly()) {
+        Fail(m_schemaVersion > kSchemaVersion ? StoreFailure::Newer()
+                                              : StoreFailure::ReadingOnly());
+        return nullptr;
+    }
+    if (!m_logChosen && db->transactionDepth() == 0) {
+        ChooseLog(*db);
     }
     return db;
 }
 
-bool ZelPlcDbIO::Fail(const QString& message) {
+// Only the first write moves a file to the write-ahead log, so that a read leaves the
+// file as it was. The switch needs the file to itself: while another program has it open,
+// the writes of this connection go ahead with the rollback journal instead of waiting, and
+// the next connection tries again. A file system without shared memory keeps the journal.
+void ZelPlcDbIO::ChooseLog(SqliteDb& db) {
+    const int timeout = db.busyTimeout();
+    db.setBusyTimeout(0);
+    db.enableWal();
+    db.setBusyTimeout(timeout);
+    m_logChosen = true;
+}
+
+bool ZelPlcDbIO::Fail(const QString& message, bool lock) {
     m_strLastError = message;
+    m_lockFailure = lock;
     return false;
 }
 
 bool ZelPlcDbIO::FailDb() {
-    return Fail(m_db ? m_db->lastError() : QStringLiteral("no database is open"));
+    return m_db ? Fail(StoreFailure::Describe(*m_db), StoreFailure::IsLock(*m_db))
+                : Fail(QStringLiteral("no database is open"));
 }
 
 bool ZelPlcDbIO::BeginTransaction() {
-    SqliteDb* db = Connection();
+    SqliteDb* db = WritableConnection();
     return db && (db->beginTransaction() || FailDb());
 }
 

@@ -85,7 +85,7 @@ public:
     bool GetPromptRows(QList<ModDB::PromptData>& rows);
     bool AddPromptRow(const ModDB::PromptData& row);
 
-    // One transaction around several operations; nested calls join the outer one.
+    // One transaction of writes around several operations; nested calls join the outer one.
     bool BeginTransaction();
     bool CommitTransaction();
     void RollbackTransaction();
@@ -95,7 +95,11 @@ public:
     // same connection text and so sees what the writer did.
     void ReleaseFile(const QString& path);
 
-    // The text of the last failure.
+    // Whether the last failure was another program's lock that outlasted the wait, so
+    // that opening the file again in another mode would only wait once more.
+    bool LastFailureWasLock() const;
+
+    // The text of the last failure, in the user's words ("not a plcdb database", ...).
     QString m_strLastError;
 
 private:
@@ -106,7 +110,8 @@ private:
     SqliteDb* Connection();
     SqliteDb* WritableConnection();
     void CloseConnection();
-    bool Fail(const QString& message);
+    void ChooseLog(SqliteDb& db);
+    bool Fail(const QString& message, bool lock = false);
     bool FailDb();
     QString SpecSelectList() const;
     bool WriteSpec(const QString& sql, const QString& table, const QString& code,
@@ -120,6 +125,9 @@ private:
     QString m_connection;
     int m_schemaVersion = 0;
     bool m_released = false;
+    // Whether this connection's first write chose the file's journal.
+    bool m_logChosen = false;
+    bool m_lockFailure = false;
     QHash<QString, QString> m_prompts;
     bool m_promptsLoaded = false;
 };
