@@ -141,9 +141,9 @@ QString CliOptions::CommandHelp(const QString& command) {
              "(names without regard to case) and the very list the dialog would give\n"
              "for these choices is printed. This form needs no display.\n"
              "\n"
-             "  --style N       drawing style 1 to 9 (default 1)\n"
+             "  --style N       drawing style 1 to 9 (default 1; any other number gives 1)\n"
              "  --orient H|V    orientation (default V)\n"
-             "  --scale X       scale (default 1.0)\n"
+             "  --scale X       scale (default 1.0), kept to the host's decimals\n"
              "  --lock          style and orientation may not be changed in the dialog\n"
              "  --extra         the extra flag of the choice list\n"
              "  --group-b       the module's box group B instead of group A\n")},

@@ -308,6 +308,7 @@ TEST_F(CMSelDlgTest, TabWalksTheControlsInScreenOrderBothWays) {
         EXPECT_TRUE(QTest::qWaitForWindowActive(&d));
         selection.Tree().SelectModule(kKestrel, "KX", "Analog Output", "KX-AO2");
         selection.Tree().setFocus();
+        // The bottom row as this platform lays it out: OK, Cancel, Help.
         const QStringList forward = {"201", "1118", "1131", "204", "206", "209",
                                      "247", "1",    "2",    "203", "200"};
         QStringList seen;

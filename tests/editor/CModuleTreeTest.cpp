@@ -269,6 +269,7 @@ TEST_F(CModuleTreeTest, APasteGoesOnOnlyWhenTheOwnerAnswersOne) {
     QTreeWidgetItem* outputs = type(kOutputs);
     m_tree->setCurrentItem(outputs);
 
+    QueuedModalScript noDialogs;  // a wrong paste would ask for a name: cancelled, counted
     QStringList asked;
     const auto owner = [&asked](int answer) {
         return [&asked, answer](bool cut) {
@@ -283,6 +284,7 @@ TEST_F(CModuleTreeTest, APasteGoesOnOnlyWhenTheOwnerAnswersOne) {
         contextCommand(outputs, QStringLiteral("Paste"));
     }
     EXPECT_EQ(asked, QStringList({"0 cut=0", "2 cut=0", "-1 cut=0"}));
+    EXPECT_EQ(noDialogs.unexpected, 0);
     EXPECT_FALSE(storeHasModule(kOutputs, QStringLiteral("NV-1108")));
     EXPECT_EQ(Child(outputs, QStringLiteral("NV-1108")), nullptr);
 

@@ -1,5 +1,6 @@
 #include "GuiHostUi.h"
 
+#include "DialogControls.h"
 #include "Messages.h"
 
 #include <QApplication>
@@ -13,6 +14,8 @@
 
 namespace {
 constexpr double kBaseDpi = 96.0;
+constexpr int kHelpWidth = 640;
+constexpr int kHelpHeight = 480;
 
 QStringList Extensions(const QString& filter) {
     QStringList extensions;
@@ -65,7 +68,7 @@ void GuiHostUi::showHelp(const QString& topic) {
         window->setWindowFlag(Qt::Window);
         window->setAttribute(Qt::WA_DeleteOnClose);
         window->setOpenExternalLinks(true);
-        window->resize(640, 480);
+        window->resize(ScaledX(kHelpWidth), ScaledY(kHelpHeight));
     }
     window->setSource(QUrl::fromLocalFile(path));
     const QString title = window->documentTitle();
