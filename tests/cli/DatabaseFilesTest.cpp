@@ -221,7 +221,8 @@ TEST(DatabaseFiles, AnotherProgramsLockIsNamedAndNothingIsLost) {
         const PlcdbRun run = RunPlcdb({"--db", path, "import", "-"}, document);
         EXPECT_EQ(run.status, 1);
         EXPECT_EQ(run.err,
-                  "plcdb import: cannot start a transaction on the database: locked by another "
+                  "plcdb import: standard input: cannot start a transaction on the database: "
+                  "locked by another "
                   "program, waited 3 s; nothing was imported\n");
     }
     {
