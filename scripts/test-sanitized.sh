@@ -14,7 +14,7 @@ if command -v ccache > /dev/null; then
     launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 fi
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=g++ \
-    "-DCMAKE_CXX_FLAGS=$sanitize" \
+    -DPLCDB_BUILD_BENCH=OFF "-DCMAKE_CXX_FLAGS=$sanitize" \
     "-DCMAKE_EXE_LINKER_FLAGS=$sanitize" \
     "-DCMAKE_SHARED_LINKER_FLAGS=$sanitize" \
     "-DCMAKE_MODULE_LINKER_FLAGS=$sanitize" \
