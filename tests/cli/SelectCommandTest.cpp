@@ -3,19 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-// The module list of NV-1408 (places 2, 4 and 6 unset) with its fall-backs on a style row.
-QString Nv1408(const char* style2, const char* number32, const char* number6) {
-    return QStringLiteral(
-               R"(("NV-1408" "Norvale Controls" "8 channel current input" "16 bit" "" )"
-               R"(("%1" ("in")) ("%2" ("mm")) ("%3" ("mm")) ("0.5" ("in")) "Decimal" nil )"
-               R"(("0.625" ("in")) ("%3") "8 ch" "Isolated channels"))")
-        .arg(QString::fromLatin1(style2), QString::fromLatin1(number32),
-             QString::fromLatin1(number6));
-}
-
-}  // namespace
+namespace {}  // namespace
 
 TEST(SelectCommand, WithoutADialogTheChoicesFollowTheDialogsRules) {
     // Regression: the headless list took any style, printed the scale as given and ignored
@@ -26,13 +14,13 @@ TEST(SelectCommand, WithoutADialogTheChoicesFollowTheDialogsRules) {
         QString choices;
     } cases[] = {
         {{"--style", "12", "--scale", "0.123456"},
-         Nv1408("2.25", "32.0000", "6.0000"),
+         SampleNv1408List("2.25", "32.0000", "6.0000"),
          R"(("1" "V" 0.1235 nil))"},
         {{"--style", "0", "--scale", "abc"},
-         Nv1408("2.25", "32.0000", "6.0000"),
+         SampleNv1408List("2.25", "32.0000", "6.0000"),
          R"(("1" "V" 0.0 nil))"},
         {{"--precision", "2", "--style", "3", "--orient", "H", "--scale", "0.123456", "--extra"},
-         Nv1408("2.75", "32.00", "6.00"),
+         SampleNv1408List("2.75", "32.00", "6.00"),
          R"(("3" "H" 0.12 1))"},
     };
     for (const auto& c : cases) {

@@ -12,6 +12,15 @@ QString SourcePath(const QString& name) {
     return QDir(QStringLiteral(PLCDB_SOURCE_DIR)).filePath(name);
 }
 
+QString SampleNv1408List(const char* style2, const char* number32, const char* number6) {
+    return QStringLiteral(
+               R"(("NV-1408" "Norvale Controls" "8 channel current input" "16 bit" "" )"
+               R"(("%1" ("in")) ("%2" ("mm")) ("%3" ("mm")) ("0.5" ("in")) "Decimal" nil )"
+               R"(("0.625" ("in")) ("%3") "8 ch" "Isolated channels"))")
+        .arg(QString::fromLatin1(style2), QString::fromLatin1(number32),
+             QString::fromLatin1(number6));
+}
+
 ScriptedMessages::ScriptedMessages() {
     Messages::SetSink(this);
 }

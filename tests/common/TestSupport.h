@@ -12,6 +12,11 @@
 QString BuildPath(const QString& name);
 QString SourcePath(const QString& name);
 
+// The module list that the selection answers for NV-1408 of the sample catalog, whose
+// places 2, 4 and 6 fall back on the style row: the style's text of place 2 and the
+// numbers of places 3 and 6 as the host's precision prints them.
+QString SampleNv1408List(const char* style2, const char* number32, const char* number6);
+
 // A message sink for tests: records every message and answers from a script,
 // falling back on a fixed answer.
 class ScriptedMessages : public MessageSink {

@@ -50,16 +50,6 @@ const QString kKxAo2Answer = QStringLiteral(
     R"(((("Kestrel" "KA-PS24" "PS" "1" "" "HPSUPPLY")) ("1")))) )"
     R"((T) ("3" "H" 2.5 1)))");
 
-// The module list of NV-1408, whose places 2, 4 and 6 fall back on the style row.
-QString Nv1408(const char* style2, const char* number32, const char* number6) {
-    return QStringLiteral(
-               R"(("NV-1408" "Norvale Controls" "8 channel current input" "16 bit" "" )"
-               R"(("%1" ("in")) ("%2" ("mm")) ("%3" ("mm")) ("0.5" ("in")) "Decimal" nil )"
-               R"(("0.625" ("in")) ("%3") "8 ch" "Isolated channels"))")
-        .arg(QString::fromLatin1(style2), QString::fromLatin1(number32),
-             QString::fromLatin1(number6));
-}
-
 void Click(QWidget* widget) {
     ASSERT_NE(widget, nullptr);
     QTest::mouseClick(widget, Qt::LeftButton);
@@ -135,8 +125,8 @@ TEST_F(CMSelDlgTest, StyleAndScaleAreKeptByTheRulesTheCommandLineShares) {
         QString moduleList;
         QString choices;
     } cases[] = {
-        {4, 12, 2, Nv1408("2.25", "32.0000", "6.0000"), R"(("1" "V" 0.1235 nil))"},
-        {2, 3, 1, Nv1408("2.75", "32.00", "6.00"), R"(("3" "H" 0.12 nil))"},
+        {4, 12, 2, SampleNv1408List("2.25", "32.0000", "6.0000"), R"(("1" "V" 0.1235 nil))"},
+        {2, 3, 1, SampleNv1408List("2.75", "32.00", "6.00"), R"(("3" "H" 0.12 nil))"},
     };
     for (const auto& c : cases) {
         startHost(c.precision);
