@@ -59,19 +59,36 @@ TEST_F(StoreFaultsTest, AFullDiskIsNamedAndTheModuleStaysWhole) {
     EXPECT_FALSE(db.ModuleExists(table, "C2"));
 }
 
-// Another program's exclusive lock made Open wait in each of its three connection modes,
-// and then fail with a bare code 27.
-TEST_F(StoreFaultsTest, AnotherProgramsLockEndsTheOpenAfterOneWait) {
+// Another program's write lock gave "cannot start a transaction"; its exclusive lock made
+// Open wait in each of its three connection modes and fail with a bare code 27.
+TEST_F(StoreFaultsTest, AnotherProgramsLockIsNamedAfterOneWaitAndNothingIsLost) {
+    const QJsonObject document = QJsonDocument::fromJson(R"({"format":"plcdb","version":1,
+        "modules":[{"manufacturer":"ACME","series":"S1","type":"T1","spec":{"Code":"C2"}}]})")
+                                     .object();
+    CKVModuleDB db;
+    {
+        SqliteDb writer;
+        ASSERT_TRUE(writer.open(m_path, SqliteOpenMode::ReadWrite));
+        ASSERT_TRUE(writer.exec("BEGIN IMMEDIATE"));
+        ASSERT_TRUE(db.Open(m_path));
+        QString error;
+        EXPECT_FALSE(CatalogDocument::Import(db, document, &error));
+        EXPECT_EQ(error,
+                  "cannot start a transaction on the database: locked by another program, "
+                  "waited 3 s");
+        EXPECT_EQ(m_vfs.sleptMicroseconds(), 3'000'000);
+        db.Close();
+        m_store.ReleaseFile(m_path);
+    }
     SqliteDb owner;
     ASSERT_TRUE(owner.open(m_path, SqliteOpenMode::ReadWrite));
     ASSERT_TRUE(
         owner.exec("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE; "
                    "UPDATE plc_style SET \"BoxA1\" = '7 mm' WHERE number = 1"));
-    CKVModuleDB db;
     EXPECT_FALSE(db.Open(m_path));
     EXPECT_EQ(db.GetLastError(), CKVModuleDB::kErrCannotOpen);
     EXPECT_EQ(db.GetLastFailure(), "locked by another program, waited 3 s");
-    EXPECT_EQ(m_vfs.sleptMicroseconds(), 3'000'000);
+    EXPECT_EQ(m_vfs.sleptMicroseconds(), 6'000'000);
 
     ASSERT_TRUE(owner.exec("COMMIT"));
     owner.close();
