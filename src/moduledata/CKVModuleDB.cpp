@@ -166,7 +166,7 @@ bool CKVModuleDB::Open(const QString& path) {
     ZelPlcDbIO* store = ZelPlcDbIO::Instance();
     if (store == nullptr) {
         m_nError = kErrCannotOpen;
-        m_strFailure = QStringLiteral("no store");
+        m_strFailure = QStringLiteral("the program has no store");
         return false;
     }
     const QString source = NativePath(path);

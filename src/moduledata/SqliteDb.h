@@ -8,9 +8,9 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
-// How a database file is opened. Neither ReadWrite nor ReadOnly ever makes a file.
-// ReadOnly is the operating system's read-only open: on a file in WAL mode SQLite then
-// makes its log files beside it and leaves them behind when it closes.
+// How a database file is opened. Neither ReadWrite nor ReadOnly ever makes the database
+// file. ReadOnly is the system's read-only open: SQLite then makes the log files of a file
+// in WAL mode beside it and leaves them behind when it closes.
 enum class SqliteOpenMode { ReadWrite, ReadOnly, Create };
 
 // One connection to an SQLite file. Failures answer false (or an invalid statement)

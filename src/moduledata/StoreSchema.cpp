@@ -168,11 +168,9 @@ bool IsEmpty(SqliteDb& db) {
 bool CreateFile(const QString& path, int version, QString* error) {
     SqliteDb db;
     QString reason;
-    if (QFileInfo::exists(path)) {
-        reason = QStringLiteral("%1 exists already").arg(path);
-    } else if (!db.open(path, SqliteOpenMode::Create)) {
+    if (!QFileInfo::exists(path) && !db.open(path, SqliteOpenMode::Create)) {
         reason = db.lastError();
-    } else if (!IsEmpty(db)) {
+    } else if (!db.isOpen() || !IsEmpty(db)) {
         reason = QStringLiteral("%1 exists already").arg(path);
     } else {
         // A new file starts with the write-ahead log; a file system without shared memory

@@ -206,39 +206,4 @@ TEST(DatabaseFiles, ReadingCommandsLeaveTheFileAndItsFolderAsTheyWere) {
     }
 }
 
-// Another program's write lock gave "cannot start a transaction", and its exclusive lock
-// a bare "code 27" after a wait in each of the three connection modes.
-TEST(DatabaseFiles, AnotherProgramsLockIsNamedAndNothingIsLost) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("ZEL_PLC.MDB");
-    ASSERT_TRUE(MakeDatabase(path));
-    const QByteArray document = R"({"format":"plcdb","version":1,"modules":[
-        {"manufacturer":"ACME","series":"S1","type":"T1","spec":{"Code":"C2"}}]})";
-    {
-        SqliteDb writer;
-        ASSERT_TRUE(writer.open(path, SqliteOpenMode::ReadWrite));
-        ASSERT_TRUE(writer.exec("BEGIN IMMEDIATE"));
-        const PlcdbRun run = RunPlcdb({"--db", path, "import", "-"}, document);
-        EXPECT_EQ(run.status, 1);
-        EXPECT_EQ(run.err,
-                  "plcdb import: standard input: cannot start a transaction on the database: "
-                  "locked by another "
-                  "program, waited 3 s; nothing was imported\n");
-    }
-    {
-        SqliteDb owner;
-        ASSERT_TRUE(owner.open(path, SqliteOpenMode::ReadWrite));
-        ASSERT_TRUE(owner.exec("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE"));
-        ASSERT_TRUE(owner.exec("UPDATE plc_style SET \"BoxA1\" = '1' WHERE number = 1"));
-        const PlcdbRun run = RunPlcdb({"--db", path, "list"});
-        EXPECT_EQ(run.status, 1);
-        EXPECT_EQ(run.err, Replace("plcdb list: cannot open the database FILE: locked by "
-                                   "another program, waited 3 s (code 27)\n",
-                                   path));
-        ASSERT_TRUE(owner.exec("COMMIT"));
-    }
-    const PlcdbRun run = RunPlcdb({"--db", path, "list"});
-    EXPECT_EQ(run.out, "ACME\n  S1\n    T1\n      C1\n");
-}
-
 }  // namespace
