@@ -26,11 +26,6 @@ void Print(const QString& text) {
     std::fputs(text.toUtf8().constData(), stdout);
 }
 
-// The reason the store gave for the failure of the last read.
-QString ReadFailure(const CKVModuleDB& db) {
-    return QStringLiteral("cannot read the database %1: %2").arg(db.GetPath(), db.GetLastFailure());
-}
-
 QString Indented(int depth, const QString& text) {
     return QString(qsizetype(depth) * 2, u' ') + text + u'\n';
 }
@@ -83,7 +78,7 @@ int RunListCommand(const CliOptions& options) {
     }
     QList<_manfams> hierarchy;
     if (!session.db().GetHierarchy(hierarchy)) {
-        return Fail(QStringLiteral("list"), ReadFailure(session.db()));
+        return Fail(QStringLiteral("list"), session.readFailure());
     }
     QString text;
     for (const _manfams& manufacturer : hierarchy) {
@@ -96,7 +91,7 @@ int RunListCommand(const CliOptions& options) {
                 // A failing store reads as a type without modules, but leaves its reason.
                 session.db().GetCatalogs(type.strTableName, catalogs);
                 if (!session.db().GetLastFailure().isEmpty()) {
-                    return Fail(QStringLiteral("list"), ReadFailure(session.db()));
+                    return Fail(QStringLiteral("list"), session.readFailure());
                 }
                 for (const _idandcatalognum& catalog : catalogs) {
                     text += Indented(3, catalog.strCatalog);
@@ -157,9 +152,7 @@ int RunImportCommand(const CliOptions& options) {
         return Fail(QStringLiteral("import"), error);
     }
     if (session.readOnly()) {
-        return Fail(QStringLiteral("import"),
-                    QStringLiteral("cannot write to the database %1: %2")
-                        .arg(session.db().GetPath(), session.db().GetLastFailure()));
+        return Fail(QStringLiteral("import"), session.writeFailure());
     }
     if (!CatalogDocument::Import(session.db(), json.object(), &error)) {
         return Fail(QStringLiteral("import"),

@@ -27,6 +27,7 @@ bool DatabaseSession::open(const CliOptions& options, QString* error, bool bWith
             return false;
         }
     }
+    m_name = path;
     if (!QFile::exists(path)) {
         *error = QStringLiteral("the database %1 does not exist").arg(path);
         return false;
@@ -39,4 +40,12 @@ bool DatabaseSession::open(const CliOptions& options, QString* error, bool bWith
         return false;
     }
     return true;
+}
+
+QString DatabaseSession::readFailure() const {
+    return QStringLiteral("cannot read the database %1: %2").arg(m_name, m_db.GetLastFailure());
+}
+
+QString DatabaseSession::writeFailure() const {
+    return QStringLiteral("cannot write to the database %1: %2").arg(m_name, m_db.GetLastFailure());
 }

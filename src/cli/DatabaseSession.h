@@ -20,9 +20,13 @@ public:
     bool open(const CliOptions& options, QString* error, bool bWithHost = false);
     CKVModuleDB& db() { return m_db; }
     bool readOnly() const { return m_db.GetLastError() == CKVModuleDB::kErrReadOnly; }
+    // The store's reason for the last failure, naming the file as the user gave it.
+    QString readFailure() const;
+    QString writeFailure() const;
 
 private:
     ZelPlcDbIO m_store;
     HostSession m_host;
     CKVModuleDB m_db;
+    QString m_name;  // the file as given, or as the host found it
 };

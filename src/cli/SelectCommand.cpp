@@ -112,11 +112,8 @@ int SelectWithoutDialog(const CliOptions& options, const SelectOptions& select) 
     if (!FindCatalog(session.db(), select.manufacturer, select.series, select.type, select.catalog,
                      path)) {
         // A store that failed while looking is not an absent catalog.
-        const QString reason = session.db().GetLastFailure();
-        if (!reason.isEmpty()) {
-            return Fail(QStringLiteral("cannot read the database %1: %2")
-                            .arg(session.db().GetPath(), reason),
-                        kCancelled);
+        if (!session.db().GetLastFailure().isEmpty()) {
+            return Fail(session.readFailure(), kCancelled);
         }
         return Fail(QStringLiteral("no catalog %1 under %2 / %3 / %4")
                         .arg(select.catalog, select.manufacturer, select.series, select.type),
