@@ -1,6 +1,5 @@
 #include "CKVModuleDB.h"
-#include "SqliteDb.h"
-#include "SqliteStatement.h"
+#include "StoreTestSupport.h"
 #include "TestSupport.h"
 #include "ZelPlcDbIO.h"
 
@@ -26,27 +25,6 @@ QStringList RowTexts(QChar prefix, int count) {
         texts.append(QStringLiteral("%1%2").arg(prefix).arg(row));
     }
     return texts;
-}
-
-QStringList LoadRowTexts(CKVModuleDB& db, const QString& table, const QString& catalog) {
-    const int handle = db.LoadModule(table, catalog, false);
-    QStringList texts;
-    const CKVModule& module = db.GetModule(handle);
-    for (int row = 1; row <= module.GetTermCount(); ++row) {
-        texts.append(module.GetTermText(row));
-    }
-    db.ReleaseModule(handle);
-    return texts;
-}
-
-// SQLite's own verdict on the whole file, through a connection of its own.
-QString IntegrityCheck(const QString& path) {
-    SqliteDb db;
-    if (!db.open(path, SqliteOpenMode::ReadOnly)) {
-        return db.lastError();
-    }
-    SqliteStatement statement = db.prepare(QStringLiteral("PRAGMA integrity_check"));
-    return statement.next() ? statement.text(0) : db.lastError();
 }
 
 class SaveCrashTest : public testing::Test {

@@ -1,4 +1,6 @@
 #include "SqliteDb.h"
+#include "SqliteStatement.h"
+#include "StoreTestSupport.h"
 #include "TestSupport.h"
 #include "ZelPlcDbIO.h"
 
@@ -49,13 +51,6 @@ QStringList Codes(const QString& path) {
         codes << statement.text(0);
     }
     return codes;
-}
-
-QString IntegrityCheck(const QString& path) {
-    SqliteDb db;
-    EXPECT_TRUE(db.open(path, SqliteOpenMode::ReadWrite));
-    SqliteStatement statement = db.prepare("PRAGMA integrity_check");
-    return statement.next() ? statement.text(0) : db.lastError();
 }
 
 // Another program reads the file and checkpoints its log, thinking itself alone with it.

@@ -1,7 +1,6 @@
 #include "CKVModuleDB.h"
-#include "SqliteDb.h"
-#include "SqliteStatement.h"
 #include "StoreSchema.h"
+#include "StoreTestSupport.h"
 #include "TestSupport.h"
 #include "ZelPlcDbIO.h"
 
@@ -44,15 +43,6 @@ WriterReport ReadReport(const QByteArray& output) {
     return report;
 }
 
-QString IntegrityCheck(const QString& path) {
-    SqliteDb db;
-    if (!db.open(path, SqliteOpenMode::ReadOnly)) {
-        return db.lastError();
-    }
-    SqliteStatement statement = db.prepare(QStringLiteral("PRAGMA integrity_check"));
-    return statement.next() ? statement.text(0) : db.lastError();
-}
-
 class TwoWritersTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -73,17 +63,6 @@ protected:
     void TearDown() override {
         m_db.Close();
         ZelPlcDbIO::SetInstance(nullptr);
-    }
-
-    QStringList Rows(const QString& catalog) {
-        const int handle = m_db.LoadModule(m_table, catalog, false);
-        QStringList texts;
-        const CKVModule& module = m_db.GetModule(handle);
-        for (int row = 1; row <= module.GetTermCount(); ++row) {
-            texts << module.GetTermText(row);
-        }
-        m_db.ReleaseModule(handle);
-        return texts;
     }
 
     QTemporaryDir m_dir;
@@ -124,7 +103,8 @@ TEST_F(TwoWritersTest, InterleavedImportsSavesAndRenamesAllLandAndNoneGivesUpEar
         for (const QString& catalog : report.imports) {
             EXPECT_TRUE(m_db.ModuleExists(m_table, catalog)) << catalog.toStdString();
         }
-        EXPECT_EQ(Rows(QStringLiteral("W%1-SAVE").arg(writer)), QStringList{report.lastSave});
+        EXPECT_EQ(LoadRowTexts(m_db, m_table, QStringLiteral("W%1-SAVE").arg(writer)),
+                  QStringList{report.lastSave});
         const QString renamed = QStringLiteral("W%1-NAME-%2").arg(writer).arg(report.renames);
         EXPECT_TRUE(m_db.ModuleExists(m_table, renamed)) << renamed.toStdString();
         EXPECT_EQ(report.renames, (kWritesPerWriter + 1) / 3) << "writer " << w + 1;
