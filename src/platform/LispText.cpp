@@ -245,10 +245,16 @@ bool Reader::readAtom(HostValue& out) {
                     .arg(TextExcerpt(token), position(start)));
 }
 
+// Members go straight into out: collecting each list apart and copying it into its parent
+// would copy every cell once per level it is nested in. On failure the caller drops out.
 bool Reader::readMembers(HostValue& out, int depth, qsizetype open, bool evaluate) {
-    HostValue members;
-    for (skipBlanks(); !atEnd() && peek() != u')'; skipBlanks()) {
-        const bool ok = evaluate ? readForm(members, depth + 1) : readDatum(members, depth + 1);
+    skipBlanks();
+    const bool empty = !atEnd() && peek() == u')';
+    if (!empty) {
+        out.begin();
+    }
+    for (; !atEnd() && peek() != u')'; skipBlanks()) {
+        const bool ok = evaluate ? readForm(out, depth + 1) : readDatum(out, depth + 1);
         if (!ok) {
             return false;
         }
@@ -258,10 +264,10 @@ bool Reader::readMembers(HostValue& out, int depth, qsizetype open, bool evaluat
             QStringLiteral("missing ')' for the list opened at position %1").arg(position(open)));
     }
     ++m_pos;
-    if (members.isEmpty()) {
+    if (empty) {
         out.nil();
     } else {
-        out.begin().append(members).end();
+        out.end();
     }
     return true;
 }
