@@ -356,19 +356,20 @@ DxfReader::Next DxfReader::readLine(QByteArray& line) {
     if (m_input.atEnd()) {
         return Next::End;
     }
-    // One buffer for all lines: a fresh buffer of the longest size per line costs more
-    // than the reading.
-    // Room for the longest line, a byte order mark before it, "\r\n" behind it and the
-    // terminating zero that readLine adds.
-    if (m_buffer.isEmpty()) {
-        m_buffer.resize(kMaxLineLength + 6);
-    }
-    const qint64 size = m_input.readLine(m_buffer.data(), m_buffer.size());
-    if (size < 0) {
-        fail(QStringLiteral("the drawing cannot be read: %1").arg(m_input.errorString()));
-        return Next::Failed;
-    }
-    line = QByteArray(m_buffer.constData(), size);
+    // Read in pieces, so that a short line costs no buffer of the longest size. Past the
+    // longest line, a byte order mark and "\r\n", the line is too long whatever follows.
+    constexpr qint64 kEnough = kMaxLineLength + 5;
+    char piece[4096];
+    line.clear();
+    qint64 size = 0;
+    do {
+        size = m_input.readLine(piece, sizeof piece);
+        if (size < 0) {
+            fail(QStringLiteral("the drawing cannot be read: %1").arg(m_input.errorString()));
+            return Next::Failed;
+        }
+        line.append(piece, size);
+    } while (size > 0 && !line.endsWith('\n') && !m_input.atEnd() && line.size() <= kEnough);
     ++m_lineNumber;
     if (m_lineNumber == 1 && line.startsWith("\xEF\xBB\xBF")) {
         line.remove(0, 3);
@@ -377,9 +378,8 @@ DxfReader::Next DxfReader::readLine(QByteArray& line) {
         fail(QStringLiteral("binary data; this is no drawing in text form"));
         return Next::Failed;
     }
-    const bool cut = !line.endsWith('\n') && !m_input.atEnd();
     line = Chomp(line);
-    if (cut || line.size() > kMaxLineLength) {
+    if (line.size() > kMaxLineLength) {
         fail(QStringLiteral("the line is longer than %1 bytes").arg(kMaxLineLength));
         return Next::Failed;
     }

@@ -148,7 +148,6 @@ private:
     DxfSink& m_sink;
     qint64 m_lineNumber = 0;
     QString m_error;
-    QByteArray m_buffer;
     QByteArray m_section;  // upper case; empty between sections
     bool m_hasPolyline = false;
     DxfPolyline m_polyline;  // a POLYLINE waiting for its vertices and SEQEND

@@ -245,10 +245,16 @@ bool Reader::readAtom(HostValue& out) {
                     .arg(TextExcerpt(token), position(start)));
 }
 
+// Members go straight into out: collecting each list apart and copying it into its parent
+// would copy every cell once per level it is nested in. On failure the caller drops out.
 bool Reader::readMembers(HostValue& out, int depth, qsizetype open, bool evaluate) {
-    HostValue members;
-    for (skipBlanks(); !atEnd() && peek() != u')'; skipBlanks()) {
-        const bool ok = evaluate ? readForm(members, depth + 1) : readDatum(members, depth + 1);
+    skipBlanks();
+    const bool empty = !atEnd() && peek() == u')';
+    if (!empty) {
+        out.begin();
+    }
+    for (; !atEnd() && peek() != u')'; skipBlanks()) {
+        const bool ok = evaluate ? readForm(out, depth + 1) : readDatum(out, depth + 1);
         if (!ok) {
             return false;
         }
@@ -258,10 +264,10 @@ bool Reader::readMembers(HostValue& out, int depth, qsizetype open, bool evaluat
             QStringLiteral("missing ')' for the list opened at position %1").arg(position(open)));
     }
     ++m_pos;
-    if (members.isEmpty()) {
+    if (empty) {
         out.nil();
     } else {
-        out.begin().append(members).end();
+        out.end();
     }
     return true;
 }
@@ -382,39 +388,42 @@ bool Report(const Reader& reader, QString* error) {
     return false;
 }
 
+// Closes the innermost list; a list with nothing printed in it is nil, as the reader
+// gives it back, even when it holds cells without a printed form.
+void CloseList(QString& out) {
+    if (out.endsWith(u'(')) {
+        out.chop(1);
+        out += QStringLiteral("nil");
+    } else {
+        out += u')';
+    }
+}
+
 }  // namespace
 
 QString LispText::Print(const HostValue& value) {
-    const std::vector<HostCell>& cells = value.cells();
     QString out;
     int depth = 0;
     bool separate = false;
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-        const short type = cells[i].type;
-        if (type == kHostListEnd) {
+    for (const HostCell& cell : value.cells()) {
+        if (cell.type == kHostListEnd) {
             // An end without a begin is noise from a broken list; dropping it keeps the text
             // balanced.
             if (depth > 0) {
-                out += u')';
+                CloseList(out);
                 --depth;
                 separate = true;
             }
             continue;
         }
-        const bool emptyList =
-            type == kHostListBegin && i + 1 < cells.size() && cells[i + 1].type == kHostListEnd;
-        const QString atom = emptyList ? QStringLiteral("nil") : PrintAtom(cells[i]);
-        if (type != kHostListBegin && atom.isEmpty()) {
+        const QString atom = PrintAtom(cell);
+        if (cell.type != kHostListBegin && atom.isEmpty()) {
             continue;
         }
         if (separate) {
             out += u' ';
         }
-        if (emptyList) {
-            ++i;
-            out += atom;
-            separate = true;
-        } else if (type == kHostListBegin) {
+        if (cell.type == kHostListBegin) {
             out += u'(';
             ++depth;
             separate = false;
@@ -423,7 +432,9 @@ QString LispText::Print(const HostValue& value) {
             separate = true;
         }
     }
-    out += QString(depth, u')');
+    for (; depth > 0; --depth) {
+        CloseList(out);
+    }
     return out;
 }
 

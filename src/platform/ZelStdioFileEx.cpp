@@ -141,7 +141,10 @@ bool ZelStdioFileEx::FillBuffer() {
     if (m_atEnd) {
         return false;
     }
-    QByteArray bytes = m_file.read(kChunkSize);
+    // No larger read than the file has left: a short file costs no buffer of a whole
+    // chunk. A file that does not tell its size is read in whole chunks.
+    const qint64 available = m_file.bytesAvailable();
+    QByteArray bytes = m_file.read(available > 0 ? qMin(available, kChunkSize) : kChunkSize);
     if (bytes.isEmpty()) {
         m_atEnd = true;
         if (m_carry.isEmpty()) {
@@ -250,6 +253,12 @@ bool ZelStdioFileEx::WriteString(const QString& text) {
 #endif
     {
         bytes = m_encoder.encode(text);
+    }
+    // Text that starts with U+FEFF would read back as a mark and lose that character,
+    // so a file without a mark gets one in front of it.
+    if (m_encoding == QStringConverter::Utf8 && m_file.pos() == 0 &&
+        text.startsWith(QChar(QChar::ByteOrderMark))) {
+        bytes.prepend("\xEF\xBB\xBF");
     }
     if (m_file.write(bytes) != bytes.size()) {
         m_writeFailed = true;

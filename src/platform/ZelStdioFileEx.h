@@ -14,7 +14,8 @@
 // characters. Only the first mark is taken off: a U+FEFF behind it is text and stays
 // in the first line. Writing keeps the encoding and the
 // mark that the file had when it was opened, even when opening empties it; a new or
-// empty file is written as UTF-8 without a mark.
+// empty file is written as UTF-8 without a mark, unless its text starts with U+FEFF,
+// which then gets a mark in front so that it reads back as text.
 //
 // A file is either read or written between Open and Close, not both.
 class ZelStdioFileEx {

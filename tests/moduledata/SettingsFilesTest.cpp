@@ -48,8 +48,9 @@ TEST_F(SettingsFilesTest, SettingsWriteTrimsEachEntryAndReadsBackTheSame) {
     EXPECT_EQ(readBytes("KVDEFINF.DAT"), "d\n");
 }
 
-// Regression: a UTF-16 surrogate without its partner was read as it stood, so the lines
-// held text that is no character; and a U+FEFF behind the mark must stay in the text.
+// Regression: a line starting with U+FEFF behind blanks was written first into a file
+// without a mark and so read back as a mark; a UTF-16 surrogate without its partner was
+// read as it stood, though it is no character.
 TEST_F(SettingsFilesTest, ReadWriteReadOfASettingsFileChangesNothing) {
     const QString feff = QStringLiteral("\uFEFF");
     const struct {
@@ -58,6 +59,12 @@ TEST_F(SettingsFilesTest, ReadWriteReadOfASettingsFileChangesNothing) {
         QStringList lines;
         QByteArray written;
     } cases[] = {
+        {"utf-8 without mark",
+         "  \xEF\xBB\xBF"
+         "first\n",
+         {feff + "first"},
+         "\xEF\xBB\xBF\xEF\xBB\xBF"
+         "first\n"},
         {"utf-8",
          "\xEF\xBB\xBF\xEF\xBB\xBF"
          "first\nx\n",

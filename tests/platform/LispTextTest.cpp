@@ -35,6 +35,16 @@ TEST(LispTextTest, PrintsCells) {
         {"1", HostValue().end().shortInt(1).end()},
         {"(1 (\"\"))", HostValue().begin().shortInt(1).begin().string("")},
         {"2", HostValue().append(HostCell::Marker(42)).shortInt(2)},
+        // Regression: a list holding only cells without text printed as "()", which reads
+        // back as nil and so printed differently the second time.
+        {"(nil 1 nil)", HostValue()
+                            .begin()
+                            .begin()
+                            .append(HostCell::Marker(42))
+                            .end()
+                            .shortInt(1)
+                            .begin()
+                            .append(HostCell::Marker(42))},
     };
     for (const TextCase& c : cases) {
         EXPECT_EQ(LispText::Print(c.value), QString::fromUtf8(c.text));
