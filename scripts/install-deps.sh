@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(
-    cmake ninja-build g++ pkg-config clang-format clang-tidy
+    cmake ninja-build g++ pkg-config clang-format clang-tidy clang libclang-rt-14-dev
     qt6-base-dev libsqlite3-dev sqlite3
     libgtest-dev libgmock-dev libbenchmark-dev
     sbcl
