@@ -12,6 +12,9 @@
 namespace {
 
 constexpr qsizetype kMaxMessage = 400;
+// The reader refuses lists nested deeper than 1000 levels, to keep its stack; cell lists
+// stay below that.
+constexpr int kMaxDepth = 900;
 
 void CheckReadsBack(const HostValue& value, const char* what) {
     const QString printed = LispText::Print(HostValue().begin().append(value).end());
@@ -54,7 +57,7 @@ HostValue CellsFrom(const uint8_t* data, size_t size) {
             value.nil();
         } else if (kind == 4) {
             value.t();
-        } else if (kind == 5) {
+        } else if (kind == 5 && depth < kMaxDepth) {
             value.begin();
             ++depth;
         } else if (kind == 6 && depth > 0) {
