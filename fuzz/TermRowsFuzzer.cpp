@@ -7,6 +7,7 @@
 #include "HostValue.h"
 #include "LispText.h"
 #include "MultiBOMGenerator.h"
+#include "SelectionChoices.h"
 #include "SelectionList.h"
 
 namespace {
@@ -66,8 +67,10 @@ void CheckValueList(CKVModule module) {
         module.SetBox(false, place, place * 1.5);
         module.SetUnit(false, place, QStringLiteral("mm"));
     }
+    SelectionChoices choices;
+    choices.SetHorizontal(true);
     HostValue answer;
-    if (!BuildSelectionAnswer(module, nullptr, 1, false, true, 1.0, false, answer)) {
+    if (!BuildSelectionAnswer(module, nullptr, choices, false, answer)) {
         return;
     }
     const QString printed = LispText::Print(HostValue().begin().append(answer).end());

@@ -2,15 +2,14 @@
 #include "CKVModuleDB.h"
 #include "LispText.h"
 #include "ModDB.h"
+#include "RealLisp.h"
 #include "SelectionChoices.h"
 #include "SelectionList.h"
 #include "StandaloneHost.h"
 #include "TestSupport.h"
 #include "ZelPlcDbIO.h"
 
-#include <QProcess>
 #include <QRegularExpression>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <functional>
@@ -220,24 +219,7 @@ TEST_F(SelectionListTest, RowsAreRoutedByIncludeExcludeAndAnyBreakIsFlagged) {
     }
 }
 
-// A real Lisp reader, told to print the length of the list it reads.
-QString FindLisp(QStringList& arguments) {
-    const QString form = QStringLiteral("(progn (print (length (read))) (terpri))");
-    QString program = QStandardPaths::findExecutable("sbcl");
-    arguments = {"--noinform", "--non-interactive", "--eval", form};
-    if (program.isEmpty()) {
-        program = QStandardPaths::findExecutable("clisp");
-        arguments = {"-q", "-x", form};
-    }
-    return program;
-}
-
 TEST_F(SelectionListTest, PrintedAnswerReadsAsAListOfFiveInLisp) {
-    QStringList arguments;
-    const QString program = FindLisp(arguments);
-    if (program.isEmpty()) {
-        GTEST_SKIP() << "neither sbcl nor clisp is on PATH; the Lisp reader check is skipped";
-    }
     CKVModule module = MakeModule(
         {"HP1TERM;\\SPECIAL=BREAK;MFG1=M;CAT1=C|#1;TAG=a;b", "HP1TERM;\\SPECIAL=INCLUDE"});
     module.SetBox(false, 3, -1.0);
@@ -260,16 +242,15 @@ TEST_F(SelectionListTest, PrintedAnswerReadsAsAListOfFiveInLisp) {
     defaults.AppendTo(choices);
     EXPECT_EQ(LispText::Print(choices), R"(("9" "V" 0.0 nil))");
 
-    QProcess lisp;
-    lisp.start(program, arguments);
-    ASSERT_TRUE(lisp.waitForStarted()) << program.toStdString();
     const QString text = LispText::Print(HostValue().begin().append(answer).end());
-    lisp.write(text.toUtf8() + '\n');
-    lisp.closeWriteChannel();
-    ASSERT_TRUE(lisp.waitForFinished(60000));
-    const QString output = QString::fromUtf8(lisp.readAllStandardOutput()).simplified();
-    EXPECT_EQ(output.section(u' ', 0, 0), "5") << output.toStdString() << "\n"
-                                               << text.toStdString();
+    const RealLispRun lisp =
+        RunRealLisp(QStringLiteral("(progn (print (length (read))) (terpri))"), text);
+    if (!lisp.found) {
+        GTEST_SKIP() << "neither sbcl nor clisp is on PATH; the Lisp reader check is skipped";
+    }
+    ASSERT_TRUE(lisp.finished);
+    EXPECT_EQ(lisp.output.section(u' ', 0, 0), "5") << lisp.output.toStdString() << "\n"
+                                                    << text.toStdString();
 }
 
 }  // namespace
