@@ -11,12 +11,18 @@
 //       COUNT writes in turn: an import of a new module "W<WRITER>-I<n>", a save of
 //       the module "W<WRITER>-SAVE" with the one row "w<WRITER>-s<n>", and a rename of
 //       "W<WRITER>-NAME-<k>" to "W<WRITER>-NAME-<k+1>". Prints one line a write:
-//       "ok KIND KEY" or "fail KIND KEY MILLISECONDS REASON". Before the first write it
-//       prints "ready" and waits for a line on its input, so that two writers start
-//       together.
+//       "ok KIND KEY" or "fail KIND KEY MILLISECONDS REASON".
+//   store_child hold DATABASE
+//       holds the database open as the module tree does, all its life, and works through
+//       the commands of its input, one a line, answering each with "ok" or "failed ...":
+//       "save CODE" (a new module CODE of ACME / S1 / T1), "rename OLD NEW", and "check"
+//       (the migration check that the tree runs when a type opens). It ends with its input. Before
+//       the first write it prints "ready" and waits for a line on its input, so that two writers
+//       start together.
 
 #include "CKVModuleDB.h"
 #include "CatalogDocument.h"
+#include "ZelDbMigrate.h"
 #include "ZelPlcDbIO.h"
 
 #include <QCoreApplication>
@@ -25,6 +31,8 @@
 #include <QJsonObject>
 
 #include <cstdio>
+#include <iostream>
+#include <string>
 
 namespace {
 
@@ -182,13 +190,49 @@ private:
     int m_renames = 0;
 };
 
+bool HoldCommand(CKVModuleDB& db, const QStringList& words) {
+    QString table;
+    db.GetTypeTableName("ACME", "S1", "T1", table);
+    if (words.value(0) == "save" && words.size() == 2) {
+        const int handle = db.NewModule("ACME", "S1", "T1", words[1]);
+        return handle > 0 && db.SaveModule(handle) && db.ReleaseModule(handle);
+    }
+    if (words.value(0) == "rename" && words.size() == 3) {
+        return db.RenameModule(table, words[1], words[2]);
+    }
+    if (words.value(0) == "check" && words.size() == 1) {
+        bool required = true;
+        CheckForMigration(db.GetPath(), required, false, table);
+        return !required;
+    }
+    return false;
+}
+
+int Hold(CKVModuleDB& db) {
+    std::string line;
+    while (std::getline(std::cin, line)) {
+        const QStringList words = QString::fromStdString(line).split(u' ', Qt::SkipEmptyParts);
+        if (HoldCommand(db, words)) {
+            Say(QStringLiteral("ok"));
+        } else {
+            Say(QStringLiteral("failed: %1 (code %2)")
+                    .arg(ZelPlcDbIO::Instance()->m_strLastError)
+                    .arg(db.GetLastError()));
+        }
+    }
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments();
-    if (args.size() != 5) {
-        std::fprintf(stderr, "usage: store_child save|import|write DATABASE ARG ARG\n");
+    const bool hold = args.value(1) == QStringLiteral("hold");
+    if (args.size() != (hold ? 3 : 5)) {
+        std::fprintf(stderr,
+                     "usage: store_child save|import|write DATABASE ARG ARG\n"
+                     "       store_child hold DATABASE\n");
         return 2;
     }
     ZelPlcDbIO store;
@@ -198,6 +242,9 @@ int main(int argc, char** argv) {
         return Refuse("cannot open the database", db);
     }
     const QString& mode = args[1];
+    if (hold) {
+        return Hold(db);
+    }
     if (mode == QStringLiteral("save")) {
         return SaveForever(db, args[3], args[4]);
     }

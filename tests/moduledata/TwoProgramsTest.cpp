@@ -15,7 +15,7 @@ namespace {
 class Holder {
 public:
     explicit Holder(const QString& path) {
-        m_process.start(BuildPath("hold_child"), {path});
+        m_process.start(BuildPath("store_child"), {"hold", path});
         m_process.waitForStarted();
     }
     ~Holder() {
