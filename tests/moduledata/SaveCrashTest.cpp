@@ -27,24 +27,9 @@ QStringList RowTexts(QChar prefix, int count) {
     return texts;
 }
 
-class SaveCrashTest : public testing::Test {
+class SaveCrashTest : public StoreFileTest {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(m_dir.isValid());
-        m_path = m_dir.filePath("ZEL_PLC.MDB");
-        ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path));
-        ZelPlcDbIO::SetInstance(&m_store);
-        ASSERT_TRUE(m_db.Open(m_path));
-        const int handle = m_db.NewModule("M", "S", "T", "CAT-1");
-        ASSERT_GT(handle, 0);
-        ASSERT_TRUE(m_db.GetTypeTableName("M", "S", "T", m_table));
-        ASSERT_TRUE(m_db.SaveModule(handle));
-    }
-
-    void TearDown() override {
-        m_db.Close();
-        ZelPlcDbIO::SetInstance(nullptr);
-    }
+    void SetUp() override { CreateWithModules({"CAT-1"}); }
 
     // Starts the child and waits for its "ready". Then, with a delay, kills it up to
     // that many microseconds later; without one, lets it end. True when the child
@@ -84,12 +69,6 @@ protected:
             return catalog.strCatalog.startsWith(prefix);
         }));
     }
-
-    QTemporaryDir m_dir;
-    QString m_path;
-    QString m_table;
-    ZelPlcDbIO m_store;
-    CKVModuleDB m_db;
 };
 
 TEST_F(SaveCrashTest, AKilledSaveLeavesTheOldOrTheNewRowsNeverAMixOrNone) {

@@ -23,3 +23,22 @@ QStringList LoadRowTexts(CKVModuleDB& db, const QString& table, const QString& c
     db.ReleaseModule(handle);
     return texts;
 }
+
+void StoreFileTest::CreateWithModules(std::initializer_list<const char*> catalogs) {
+    ASSERT_TRUE(m_dir.isValid());
+    m_path = m_dir.filePath("ZEL_PLC.MDB");
+    ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path));
+    ZelPlcDbIO::SetInstance(&m_store);
+    ASSERT_TRUE(m_db.Open(m_path));
+    for (const char* catalog : catalogs) {
+        const int handle = m_db.NewModule("M", "S", "T", catalog);
+        ASSERT_GT(handle, 0);
+        ASSERT_TRUE(m_db.SaveModule(handle));
+    }
+    ASSERT_TRUE(m_db.GetTypeTableName("M", "S", "T", m_table));
+}
+
+void StoreFileTest::TearDown() {
+    m_db.Close();
+    ZelPlcDbIO::SetInstance(nullptr);
+}

@@ -43,33 +43,9 @@ WriterReport ReadReport(const QByteArray& output) {
     return report;
 }
 
-class TwoWritersTest : public testing::Test {
+class TwoWritersTest : public StoreFileTest {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(m_dir.isValid());
-        m_path = m_dir.filePath("ZEL_PLC.MDB");
-        ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path));
-        ZelPlcDbIO::SetInstance(&m_store);
-        // Held open all along, as the tree of an open dialog holds its store.
-        ASSERT_TRUE(m_db.Open(m_path));
-        for (const char* catalog : {"W1-SAVE", "W2-SAVE", "W1-NAME-0", "W2-NAME-0"}) {
-            const int handle = m_db.NewModule("M", "S", "T", catalog);
-            ASSERT_GT(handle, 0);
-            ASSERT_TRUE(m_db.SaveModule(handle));
-        }
-        ASSERT_TRUE(m_db.GetTypeTableName("M", "S", "T", m_table));
-    }
-
-    void TearDown() override {
-        m_db.Close();
-        ZelPlcDbIO::SetInstance(nullptr);
-    }
-
-    QTemporaryDir m_dir;
-    QString m_path;
-    QString m_table;
-    ZelPlcDbIO m_store;
-    CKVModuleDB m_db;
+    void SetUp() override { CreateWithModules({"W1-SAVE", "W2-SAVE", "W1-NAME-0", "W2-NAME-0"}); }
 };
 
 TEST_F(TwoWritersTest, InterleavedImportsSavesAndRenamesAllLandAndNoneGivesUpEarly) {
