@@ -405,6 +405,16 @@ bool DxfReader::handle(const Record& record) {
     if (record.type == "ENDSEC") {
         flushPolyline();
         m_section.clear();
+        m_inBlock = false;
+        return true;
+    }
+    if (m_section == "BLOCKS" && (record.type == "BLOCK" || record.type == "ENDBLK")) {
+        flushPolyline();
+        if (record.type == "BLOCK") {
+            beginBlock(record);
+        } else {
+            m_inBlock = false;
+        }
         return true;
     }
     return takesEntities() ? handleEntity(record) : true;
@@ -453,6 +463,22 @@ void DxfReader::flushPolyline() {
 
 bool DxfReader::takesEntities() const {
     return m_section == "ENTITIES" || m_section == "BLOCKS";
+}
+
+void DxfReader::beginBlock(const Record& record) {
+    const QByteArray name = text(record, 2).toUpper().toUtf8();
+    m_inBlock = true;
+    m_blockSpace = name == "*MODEL_SPACE"   ? DxfSpace::Model
+                   : name == "*PAPER_SPACE" ? DxfSpace::Paper
+                                            : DxfSpace::None;
+}
+
+DxfSpace DxfReader::spaceOf(const Record& record) const {
+    if (m_section == "BLOCKS") {
+        return m_inBlock ? m_blockSpace : DxfSpace::None;
+    }
+    const Group* paper = find(record, 67);
+    return paper && paper->value.trimmed().toInt() == 1 ? DxfSpace::Paper : DxfSpace::Model;
 }
 
 const DxfReader::Group* DxfReader::find(const Record& record, int code) const {
@@ -619,10 +645,14 @@ bool DxfReader::readParagraph(const Record& record) {
 bool DxfReader::readAttributeDefinition(const Record& record) {
     DxfAttributeDefinition attribute;
     if (!real(record, 10, attribute.position.rx()) || !real(record, 20, attribute.position.ry()) ||
-        !real(record, 40, attribute.height) || !real(record, 50, attribute.rotation) ||
-        !integer(record, 70, attribute.flags)) {
+        !real(record, 30, attribute.z) || !real(record, 40, attribute.height) ||
+        !real(record, 50, attribute.rotation) || !real(record, 41, attribute.widthFactor) ||
+        !real(record, 51, attribute.oblique) || !integer(record, 70, attribute.flags) ||
+        !integer(record, 72, attribute.horizontalMode) ||
+        !integer(record, 74, attribute.verticalMode)) {
         return false;
     }
+    attribute.space = spaceOf(record);
     attribute.tag = text(record, 2);
     attribute.prompt = text(record, 3);
     attribute.defaultValue = text(record, 1);

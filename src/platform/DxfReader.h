@@ -43,15 +43,24 @@ struct DxfText {
     bool paragraph = false;
 };
 
+// Where an entity lies: model space, paper space, or inside some other block definition.
+enum class DxfSpace { Model, Paper, None };
+
 // An attribute definition: what a block asks for when it is inserted.
 struct DxfAttributeDefinition {
     QString tag;
     QString prompt;
     QString defaultValue;
     QPointF position;
+    double z = 0.0;
     double height = 0.0;
     double rotation = 0.0;
-    int flags = 0;  // 1 invisible, 2 constant, 4 verify, 8 preset
+    double widthFactor = 1.0;
+    double oblique = 0.0;
+    int horizontalMode = 0;  // 0 left, 1 center, 2 right, 3 aligned, 4 middle, 5 fit
+    int verticalMode = 0;    // 0 baseline, 1 bottom, 2 middle, 3 top
+    int flags = 0;           // 1 invisible, 2 constant, 4 verify, 8 preset
+    DxfSpace space = DxfSpace::Model;
 };
 
 // What the reader hands over, entity by entity, in file order. Each call has a default
@@ -83,7 +92,10 @@ struct DxfDrawing {
 
 // Reads the text form of a drawing file: pairs of lines, a group code and its value,
 // with "\r\n" or "\n" line ends. Entities come from the ENTITIES and BLOCKS sections;
-// everything else is skipped. Text values are UTF-8, or Latin-1 where they are not
+// everything else is skipped. An entity of the ENTITIES section lies in paper space when
+// its group 67 is 1, else in model space; one inside the block definition
+// "*Model_Space" or "*Paper_Space" (any case) lies in that space, and one inside any
+// other block definition in none. Text values are UTF-8, or Latin-1 where they are not
 // valid UTF-8.
 //
 // A reader answers false with a reason for input that is empty, binary, not made of
@@ -127,6 +139,8 @@ private:
     bool handleEntity(const Record& record);
     void flushPolyline();
     bool takesEntities() const;
+    void beginBlock(const Record& record);
+    DxfSpace spaceOf(const Record& record) const;
 
     const Group* find(const Record& record, int code) const;
     bool real(const Record& record, int code, double& value);
@@ -148,7 +162,9 @@ private:
     DxfSink& m_sink;
     qint64 m_lineNumber = 0;
     QString m_error;
-    QByteArray m_section;  // upper case; empty between sections
+    QByteArray m_section;                    // upper case; empty between sections
+    DxfSpace m_blockSpace = DxfSpace::None;  // of the block definition being read
+    bool m_inBlock = false;                  // between BLOCK and ENDBLK
     bool m_hasPolyline = false;
     DxfPolyline m_polyline;  // a POLYLINE waiting for its vertices and SEQEND
 };

@@ -318,6 +318,33 @@ TEST(DxfReaderTest, AttributePromptIgnoresTheEmbeddedObject) {
     EXPECT_EQ(drawing.attributes[0].position, QPointF(1, 2));
 }
 
+TEST(DxfReaderTest, AttributeTellsItsSpaceAndTextSettings) {
+    const Pairs blocks{
+        {0, "SECTION"}, {2, "BLOCKS"}, {0, "BLOCK"},  {2, "*Model_Space"}, {0, "ATTDEF"},
+        {2, "INMODEL"}, {0, "ENDBLK"}, {0, "BLOCK"},  {2, "*paper_space"}, {0, "ATTDEF"},
+        {2, "INPAPER"}, {0, "ENDBLK"}, {0, "BLOCK"},  {2, "TERMINAL"},     {0, "ATTDEF"},
+        {2, "INBLOCK"}, {0, "ENDBLK"}, {0, "ATTDEF"}, {2, "AFTERBLOCKS"},  {0, "ENDSEC"}};
+    const Pairs entities{{0, "ATTDEF"}, {67, "1"},    {2, "PAPER"}, {0, "ATTDEF"},
+                         {67, "0"},     {2, "MODEL"}, {30, "1.5"},  {41, "0.75"},
+                         {51, "12"},    {72, "4"},    {74, "3"}};
+    DxfDrawing drawing;
+    ASSERT_TRUE(DxfReader::ReadText(Join(blocks) + Entities(entities), drawing, nullptr));
+    const std::pair<const char*, DxfSpace> expected[] = {
+        {"INMODEL", DxfSpace::Model},    {"INPAPER", DxfSpace::Paper}, {"INBLOCK", DxfSpace::None},
+        {"AFTERBLOCKS", DxfSpace::None}, {"PAPER", DxfSpace::Paper},   {"MODEL", DxfSpace::Model}};
+    ASSERT_EQ(drawing.attributes.size(), 6);
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_EQ(drawing.attributes[i].tag, QString::fromLatin1(expected[i].first));
+        EXPECT_EQ(drawing.attributes[i].space, expected[i].second) << expected[i].first;
+    }
+    const DxfAttributeDefinition& model = drawing.attributes[5];
+    EXPECT_EQ((std::vector<double>{model.z, model.widthFactor, model.oblique}),
+              (std::vector<double>{1.5, 0.75, 12}));
+    EXPECT_EQ(model.horizontalMode, 4);
+    EXPECT_EQ(model.verticalMode, 3);
+    EXPECT_DOUBLE_EQ(drawing.attributes[0].widthFactor, 1.0);  // the default when missing
+}
+
 TEST(DxfReaderTest, BoundsCoverWhatIsDrawn) {
     DxfDrawing drawing;
     EXPECT_TRUE(drawing.bounds().isNull());
