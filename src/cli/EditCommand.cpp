@@ -28,7 +28,8 @@ int RunEditCommand(const CliOptions& options, HostUi* screen) {
                                    "plcdb export and plcdb import change the database as text"),
                     kUsage);
     }
-    if (!options.database.isEmpty() && !QFileInfo(CliOptions::FullPath(options.database)).isFile()) {
+    if (!options.database.isEmpty() &&
+        !QFileInfo(CliOptions::FullPath(options.database)).isFile()) {
         return Fail(QStringLiteral("the database %1 does not exist").arg(options.database),
                     kStartFailed);
     }

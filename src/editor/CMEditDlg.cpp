@@ -203,9 +203,9 @@ bool CMEditDlg::PromptToSave(bool bCanCancel) {
     if (!IsAnythingUnsaved()) {
         return true;
     }
-    const int answer = Messages::Show(4012, {}, bCanCancel ? MsgButtons::YesNoCancel
-                                                           : MsgButtons::YesNo,
-                                      MsgIcon::Question, kCaption);
+    const int answer =
+        Messages::Show(4012, {}, bCanCancel ? MsgButtons::YesNoCancel : MsgButtons::YesNo,
+                       MsgIcon::Question, kCaption);
     if (answer == kIdCancel) {
         return false;
     }

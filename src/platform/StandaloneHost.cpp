@@ -67,8 +67,9 @@ QString StandaloneHost::searchFolders(const QString& name, const QStringList& fo
 
 QString StandaloneHost::searchSupportPath(const QString& name) const {
     if (!m_config.databaseFile.isEmpty() &&
-        QFileInfo(NativePath(name)).fileName().compare(QString::fromLatin1(kDatabaseFileName),
-                                                       Qt::CaseInsensitive) == 0) {
+        QFileInfo(NativePath(name))
+                .fileName()
+                .compare(QString::fromLatin1(kDatabaseFileName), Qt::CaseInsensitive) == 0) {
         // A given database that is missing is not replaced by another one on the path.
         const QFileInfo given(m_config.databaseFile);
         return given.isFile() ? QDir::toNativeSeparators(given.absoluteFilePath()) : QString();

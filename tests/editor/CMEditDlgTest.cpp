@@ -1,0 +1,310 @@
+#include "CMEditDlg.h"
+#include "CModuleTree.h"
+#include "DialogControls.h"
+#include "EditorFixture.h"
+#include "ModalRunner.h"
+#include "ZelDbMigrate.h"
+
+#include <QDir>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+
+namespace {
+
+const QString kNorvale = QStringLiteral("Norvale Controls");
+const QString kSeries = QStringLiteral("NV-100");
+const QString kInputs = QStringLiteral("Digital Input");
+const QString kOutputs = QStringLiteral("Digital Output");
+const QString kNv1108Description = QStringLiteral("8 point 24V DC sink input");
+
+}  // namespace
+
+class CMEditDlgTest : public EditorFixture {
+protected:
+    void SetUp() override {
+        EditorFixture::SetUp();
+        m_dialog = std::make_unique<CMEditDlg>();
+        m_dialog->SetDbPath(databasePath());
+        m_dialog->resize(900, 600);
+        m_dialog->show();
+        ASSERT_TRUE(m_dialog->isVisible());
+        // Focus moves only in an active window, and a label edit ends with its focus.
+        m_dialog->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
+    }
+    void TearDown() override {
+        m_dialog.reset();
+        EditorFixture::TearDown();
+    }
+    CModuleTree& tree() { return m_dialog->Tree(); }
+    // A type of the NV-100 series, or one of its catalogs.
+    QTreeWidgetItem* item(const QString& type, const QString& catalog = QString()) {
+        if (!catalog.isEmpty()) {
+            return tree().FindItem(kNorvale, kSeries, type, catalog);
+        }
+        QTreeWidgetItem* node = tree().topLevelItem(0);
+        for (const QString& name : {kNorvale, kSeries, type}) {
+            QTreeWidgetItem* next = nullptr;
+            for (int i = 0; node && i < node->childCount(); ++i) {
+                if (node->child(i)->text(0) == name) {
+                    next = node->child(i);
+                }
+            }
+            node = next;
+        }
+        return node;
+    }
+    // Clicks an item of the tree as a user does.
+    void click(QTreeWidgetItem* target) {
+        ASSERT_NE(target, nullptr);
+        tree().scrollToItem(target);
+        QTest::mouseClick(tree().viewport(), Qt::LeftButton, {},
+                          tree().visualItemRect(target).center());
+    }
+    void clickButton(int id) {
+        auto* button = FindControl<QPushButton>(m_dialog.get(), id);
+        ASSERT_NE(button, nullptr);
+        ASSERT_TRUE(button->isEnabled()) << id;
+        QTest::mouseClick(button, Qt::LeftButton);
+    }
+    // What the specification dialog does on OK: the open module changes and is marked.
+    void changeSpecification(const QString& description) {
+        CKVModule* module = m_dialog->GetCurrentModule();
+        ASSERT_NE(module, nullptr);
+        module->SetDescription(description);
+        m_dialog->MarkSpecChanged();
+    }
+    QString storedDescription(const QString& type, const QString& catalog) {
+        CKVModuleDB db;
+        QString table;
+        if (!db.Open(databasePath()) || !db.GetTypeTableName(kNorvale, kSeries, type, table)) {
+            return QStringLiteral("<no table>");
+        }
+        const int handle = db.LoadModule(table, catalog, true);
+        return handle == -1 ? QStringLiteral("<no module>") : db.GetModule(handle).GetDescription();
+    }
+    int questionsAsked(int number) const {
+        int count = 0;
+        for (const MessageRequest& request : m_messages.shown) {
+            count += request.number == number ? 1 : 0;
+        }
+        return count;
+    }
+    bool saveLit() {
+        return FindControl<QPushButton>(m_dialog.get(), CMEditDlg::kIdSave)->isEnabled();
+    }
+
+    std::unique_ptr<CMEditDlg> m_dialog;
+};
+
+TEST_F(CMEditDlgTest, ReturnAndTheCancelKeyDuringALabelEditEndItAndKeepTheDialogOpen) {
+    QTreeWidgetItem* outputs = item(kOutputs);
+    ASSERT_NE(outputs, nullptr);
+    tree().SetContextItem(outputs);
+
+    // Return reaches the dialog while the label is edited: the new name stands.
+    tree().OnRename();
+    ASSERT_TRUE(tree().IsEditingLabel());
+    tree().findChild<QLineEdit*>()->setText(QStringLiteral("Relay Output"));
+    QTest::keyClick(m_dialog.get(), Qt::Key_Return);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(m_dialog->isVisible());
+    EXPECT_FALSE(tree().IsEditingLabel());
+    EXPECT_EQ(outputs->text(0), QStringLiteral("Relay Output"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+
+    // The cancel key during an edit drops it.
+    tree().OnRename();
+    ASSERT_TRUE(tree().IsEditingLabel());
+    tree().findChild<QLineEdit*>()->setText(QStringLiteral("Coil Output"));
+    QTest::keyClick(m_dialog.get(), Qt::Key_Escape);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(m_dialog->isVisible());
+    EXPECT_EQ(outputs->text(0), QStringLiteral("Relay Output"));
+
+    // Without an edit the same key closes the dialog, with OK.
+    QTest::keyClick(m_dialog.get(), Qt::Key_Escape);
+    EXPECT_FALSE(m_dialog->isVisible());
+    EXPECT_EQ(m_dialog->result(), QDialog::Accepted);
+    EXPECT_TRUE(m_messages.shown.empty());
+}
+
+TEST_F(CMEditDlgTest, TheSaveQuestionOnASelectionChangeKeepsWritesOrDropsTheChanges) {
+    struct Case {
+        int answer;
+        bool moves;
+        const char* stored;
+    };
+    const Case cases[] = {
+        {kIdCancel, false, "8 point 24V DC sink input"},
+        {kIdNo, true, "8 point 24V DC sink input"},
+        {kIdYes, true, "eight inputs"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.answer);
+        click(item(kInputs, QStringLiteral("NV-1108")));
+        ASSERT_TRUE(m_dialog->IsModuleLoaded());
+        changeSpecification(QStringLiteral("eight inputs"));
+        EXPECT_TRUE(saveLit());
+
+        m_messages.shown.clear();
+        m_messages.answers = {c.answer};
+        click(item(kInputs, QStringLiteral("NV-1116")));
+        EXPECT_EQ(questionsAsked(4012), 1);
+        EXPECT_EQ(tree().currentItem()->text(0),
+                  c.moves ? QStringLiteral("NV-1116") : QStringLiteral("NV-1108"));
+        EXPECT_EQ(m_dialog->GetCurrentModule()->GetCatalog(),
+                  c.moves ? QStringLiteral("NV-1116") : QStringLiteral("NV-1108"));
+        EXPECT_EQ(storedDescription(kInputs, QStringLiteral("NV-1108")),
+                  QString::fromUtf8(c.stored));
+        EXPECT_EQ(saveLit(), !c.moves);
+        if (!c.moves) {
+            // The change is still there, unsaved.
+            EXPECT_EQ(m_dialog->GetCurrentModule()->GetDescription(),
+                      QStringLiteral("eight inputs"));
+            m_messages.answers = {kIdNo};
+            click(item(kInputs, QStringLiteral("NV-1116")));
+        }
+        // Coming back reads the module from the store.
+        click(item(kInputs, QStringLiteral("NV-1108")));
+        EXPECT_EQ(m_dialog->GetCurrentModule()->GetDescription(), QString::fromUtf8(c.stored));
+        click(item(kInputs, QStringLiteral("NV-1116")));
+    }
+}
+
+TEST_F(CMEditDlgTest, AMoveAsksThenGivesUpTheChangesWhileACopyKeepsThem) {
+    click(item(kInputs, QStringLiteral("NV-1108")));
+    changeSpecification(QStringLiteral("eight inputs"));
+
+    // A copy: asked, No, and the change stays unsaved.
+    tree().SetContextItem(item(kInputs, QStringLiteral("NV-1116")));
+    tree().OnCopy();
+    m_messages.answers = {kIdNo};
+    tree().SetContextItem(item(kOutputs));
+    tree().OnPaste();
+    EXPECT_EQ(questionsAsked(4012), 1);
+    EXPECT_NE(item(kOutputs, QStringLiteral("NV-1116")), nullptr);
+    EXPECT_TRUE(m_dialog->IsSpecDirty());
+    EXPECT_TRUE(saveLit());
+
+    // Cancel at the question ends the paste before anything is copied.
+    tree().SetContextItem(item(kInputs, QStringLiteral("NV-1132")));
+    tree().OnCut();
+    m_messages.answers = {kIdCancel};
+    tree().SetContextItem(item(kOutputs));
+    tree().OnPaste();
+    EXPECT_EQ(item(kOutputs, QStringLiteral("NV-1132")), nullptr);
+    EXPECT_TRUE(m_dialog->IsSpecDirty());
+
+    // A move: asked once, No, the change is given up and nothing is written.
+    m_messages.shown.clear();
+    m_messages.answers = {kIdNo};
+    tree().OnPaste();
+    EXPECT_EQ(questionsAsked(4012), 1);
+    EXPECT_NE(item(kOutputs, QStringLiteral("NV-1132")), nullptr);
+    EXPECT_EQ(item(kInputs, QStringLiteral("NV-1132")), nullptr);
+    EXPECT_FALSE(m_dialog->IsSpecDirty());
+    EXPECT_FALSE(saveLit());
+    EXPECT_EQ(storedDescription(kInputs, QStringLiteral("NV-1108")), kNv1108Description);
+}
+
+TEST_F(CMEditDlgTest, DeletingTheOpenCatalogLeavesAChangedSpecificationToBeAskedAbout) {
+    click(item(kInputs, QStringLiteral("NV-1108")));
+    changeSpecification(QStringLiteral("eight inputs"));
+    tree().SetContextItem(item(kInputs, QStringLiteral("NV-1108")));
+    m_messages.answers = {kIdYes, kIdNo};  // delete it; do not save
+    tree().OnDelete();
+    EXPECT_EQ(m_messages.shown.at(0).number, 10121);
+    EXPECT_FALSE(m_dialog->IsRowsDirty());
+    // The specification flag stood when the selection left the deleted catalog.
+    EXPECT_EQ(questionsAsked(4012), 1);
+    EXPECT_EQ(storedDescription(kInputs, QStringLiteral("NV-1108")), QStringLiteral("<no module>"));
+}
+
+TEST_F(CMEditDlgTest, InsertThenCancelAtTheQuestionStaysAndALaterCloseStillInserts) {
+    click(item(kInputs, QStringLiteral("NV-1108")));
+    changeSpecification(QStringLiteral("eight inputs"));
+    m_messages.answers = {kIdCancel};
+    clickButton(CMEditDlg::kIdInsert);
+    EXPECT_TRUE(m_dialog->isVisible());
+    EXPECT_TRUE(m_dialog->GetInsertRequested());
+
+    m_messages.answers = {kIdNo};
+    clickButton(CMEditDlg::kIdDone);
+    EXPECT_FALSE(m_dialog->isVisible());
+    EXPECT_EQ(m_dialog->result(), QDialog::Accepted);
+    EXPECT_TRUE(m_dialog->GetInsertRequested());
+    EXPECT_EQ(questionsAsked(4012), 2);
+}
+
+TEST_F(CMEditDlgTest, AStartWithoutAUsableDatabaseEndsWithCancel) {
+    // The dialog must have ended by itself once its first events ran.
+    const auto endsAtOnce = [](QDialog& d) {
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(d.isVisible());
+        return 0;
+    };
+    QueuedModalScript script;
+
+    // No database on the host's path.
+    m_host = std::make_unique<StandaloneHost>(StandaloneHostConfig());
+    m_host->setReporter([](const QString&) {});
+    m_host->openDocument();
+    SetCurrentHost(m_host.get());
+    CMEditDlg missing;
+    script.push(endsAtOnce);
+    EXPECT_EQ(ModalRunner::Run(missing), kIdCancel);
+    EXPECT_TRUE(m_messages.shown.empty());
+
+    // A file that is no database: message 5003 with the path, under title 5000.
+    const QString junk = QDir(m_dir.path()).filePath(QStringLiteral("junk.mdb"));
+    QFile file(junk);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("not a database at all, only text that goes on for a while");
+    file.close();
+    CMEditDlg unreadable;
+    unreadable.SetDbPath(junk);
+    script.push(endsAtOnce);
+    EXPECT_EQ(ModalRunner::Run(unreadable), kIdCancel);
+    ASSERT_EQ(m_messages.shown.size(), 1u);
+    EXPECT_EQ(m_messages.shown[0].number, 5003);
+    EXPECT_TRUE(m_messages.shown[0].text.contains(QDir::toNativeSeparators(junk)));
+    EXPECT_EQ(m_messages.shown[0].caption, QStringLiteral("PLC Database"));
+    EXPECT_TRUE(script.done());
+}
+
+TEST_F(CMEditDlgTest, AnOlderFileIsUpgradedOnlyWhenTheUserSaysYes) {
+    m_dialog.reset();
+    const QString old = QDir(m_dir.path()).filePath(QStringLiteral("OLD.MDB"));
+    ASSERT_TRUE(CreateVersion1Database(old));
+    {
+        CKVModuleDB db;
+        ASSERT_TRUE(db.Open(old));
+        ASSERT_TRUE(db.AddIndex(QStringLiteral("M"), QStringLiteral("S"), QStringLiteral("T")));
+    }
+    CMEditDlg dialog;
+    dialog.SetDbPath(old);
+    dialog.show();
+    CModuleTree& oldTree = dialog.Tree();
+    QTreeWidgetItem* type =
+        oldTree.findItems(QStringLiteral("T"), Qt::MatchExactly | Qt::MatchRecursive).value(0);
+    ASSERT_NE(type, nullptr);
+    QTreeWidgetItem* before = oldTree.currentItem();
+
+    m_messages.answers = {kIdNo};
+    oldTree.setCurrentItem(type);
+    EXPECT_EQ(oldTree.currentItem(), before);
+    ASSERT_EQ(m_messages.shown.size(), 1u);
+    EXPECT_EQ(m_messages.shown[0].number, 10126);
+    bool required = true;
+    CheckForMigration(old, required, false, QString());
+    EXPECT_TRUE(required);
+
+    m_messages.answers = {kIdYes};
+    oldTree.setCurrentItem(type);
+    EXPECT_EQ(oldTree.currentItem(), type);
+    required = true;
+    CheckForMigration(old, required, false, QString());
+    EXPECT_FALSE(required);
+}
