@@ -18,6 +18,12 @@ struct Entry {
 
 // clang-format off
 constexpr Entry kTable[] = {
+    // Terminal grid context menu: the texts of its commands, by command number.
+    {225, u"Edit Cells..."},
+    {226, u"Insert Before"},
+    {227, u"Insert After"},
+    {228, u"Delete Rows"},
+
     // Module list of the selection dialogs: column headers and the type-without-row hint.
     {4000, u"Catalog"},
     {4001, u"Points"},

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "GridModel.h"
+
+#include "CKVModule.h"
+
+#include <functional>
+
+class CBlockDescEx;
+
+// The terminal rows of the shown module as grid cells. It keeps no rows of its own:
+// every cell is read from the module and every write goes to it at once. Grid row n
+// is terminal row n.
+class TermGridModel : public GridModel {
+    Q_OBJECT
+public:
+    // Grid columns 1 to 5, as the cells count them.
+    enum Column {
+        ColumnTerminal = 1,
+        ColumnShow,
+        ColumnRePrompt,
+        ColumnBreak,
+        ColumnSpacing,
+        ColumnCount = ColumnSpacing
+    };
+    using ModuleSource = std::function<CKVModule*()>;
+
+    explicit TermGridModel(QObject* parent = nullptr);
+    ~TermGridModel() override;
+
+    void SetModuleSource(ModuleSource source) { m_source = std::move(source); }
+    // The module as the source gives it now; null when there is none.
+    CKVModule* Module() const { return m_source ? m_source() : nullptr; }
+    void SetBlockDesc(CBlockDescEx* blocks) { m_pBlockDesc = blocks; }
+    CBlockDescEx* BlockDesc() const { return m_pBlockDesc; }
+
+    // Header texts, and the lines of the show and re-prompt drop lists.
+    void SetTexts(const QStringList& headers, const QStringList& showChoices,
+                  const QStringList& rePromptChoices);
+    // The descriptions of all blocks of the list, in list order; empty without a list.
+    QStringList BuildTermChoiceList() const;
+    void SetTermChoices(const QStringList& choices) { m_termChoices = choices; }
+    // Shows that many rows of the module (0 empties the grid).
+    void ShowRows(int count);
+
+    int RowCount() const override;
+    int ColCount() const override { return ColumnCount; }
+    QString CellValue(int row, int col) const override;
+    bool StoreValue(int row, int col, const QString& value) override;
+    ColumnKind Kind(int col) const override;
+    QStringList Choices(int col) const override;
+    QString ColumnHeader(int col) const override;
+    QString DisplayText(int row, int col) const override;
+
+    // The one-based block of a row's stored name, -1 when the list has none.
+    int BlockIndexOf(int row) const;
+    // Spacing as a cell shows it: four decimals in the locale's separator, empty unset.
+    static QString SpacingText(double value);
+    // The other way: the locale's separator read as ".", empty gives -1.0 (unset).
+    static double SpacingValue(const QString& text);
+
+    // Whole rows, for undo: what a row holds, putting it back, and adding and removing
+    // module rows together with grid rows.
+    _termvalues RowValues(int row) const;
+    void RestoreRow(int row, const _termvalues& values);
+    bool InsertRow(int row, bool bFromSameRow);
+    bool InsertRowValues(int row, const _termvalues& values);
+    bool RemoveRow(int row);
+
+private:
+    ModuleSource m_source;
+    CBlockDescEx* m_pBlockDesc = nullptr;
+    int m_nRows = 0;
+    QStringList m_headers;
+    QStringList m_termChoices;
+    QStringList m_showChoices;
+    QStringList m_rePromptChoices;
+};
