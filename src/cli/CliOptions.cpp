@@ -92,6 +92,8 @@ QString CliOptions::MainHelp() {
                "  import IN      add a JSON document to the database\n"
                "  select         pick a module in the selection dialog and print its list,\n"
                "                 or, with --catalog, print the list without a dialog\n"
+               "  blocks         show the terminal block list with the attributes of each\n"
+               "                 block's drawing, or find a block in it\n"
                "  edit           open the database editor\n"
                "\n"
                "Run 'plcdb COMMAND --help' for the details of a command.\n"
@@ -148,6 +150,32 @@ QString CliOptions::CommandHelp(const QString& command) {
              "  --lock          style and orientation may not be changed in the dialog\n"
              "  --extra         the extra flag of the choice list\n"
              "  --group-b       the module's box group B instead of group A\n")},
+        {QStringLiteral("blocks"),
+         QStringLiteral(
+             "Usage: plcdb [host options] blocks [--dir FOLDER]\n"
+             "       plcdb [host options] blocks [--dir FOLDER] --find TEXT [--mode 1|2]\n"
+             "\n"
+             "Reads the terminal block settings file kvmbblks.bsf as the database editor\n"
+             "does, with the attribute definitions of each block's drawing (NAME.SHT, found\n"
+             "in the block folders of --kv-lib), and prints it as one line of JSON:\n"
+             "  {\"format\":\"plcdb-blocks\",\"version\":1,\"directory\":\"DIR\",\n"
+             "   \"blocks\":[{\"index\":1,\"file\":\"HP1DI.SHT\",\"category\":\"Digital\",\n"
+             "     \"description\":\"Digital input\",\"sample\":\"hpdi.bmp\",\n"
+             "     \"attributes\":[{\"tag\":\"TERM\",\"prompt\":\"Terminal\",\"x\":0,\"y\":0,\n"
+             "       \"z\":0,\"height\":2.5,\"rotation\":0,\"widthFactor\":1,\"oblique\":0,\n"
+             "       \"horizontalMode\":0,\"verticalMode\":0}]}]}\n"
+             "Blocks come in the order of the file, attributes sorted by tag.\n"
+             "\n"
+             "  --dir FOLDER    the folder of kvmbblks.bsf (default: that of the variable\n"
+             "                  GBL_kv_DocSetBase when the file is there, else the support\n"
+             "                  path's)\n"
+             "  --find TEXT     print the index (from 1) of the first block that matches,\n"
+             "                  or -1\n"
+             "  --mode 1|2      1 (default): TEXT is a block name as a module stores it,\n"
+             "                  such as HP?DI; 2: TEXT is a block description\n"
+             "\n"
+             "Exit status: 0 on success, 1 when the settings file is missing or cannot be\n"
+             "read, 2 for a wrong call.\n")},
         {QStringLiteral("edit"),
          QStringLiteral(
              "Usage: plcdb [--db FILE] edit\n"

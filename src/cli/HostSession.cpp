@@ -14,6 +14,11 @@ StandaloneHostConfig HostSession::DefaultConfig() {
     if (QDir(sample).exists()) {
         config.supportPath << QDir::toNativeSeparators(sample);
     }
+    // The sample's terminal block drawings, unless the user names block folders.
+    const QString blocks = QDir(sample).filePath(QStringLiteral("blocks"));
+    if (QDir(blocks).exists()) {
+        config.kvLib = QDir::toNativeSeparators(blocks);
+    }
     return config;
 }
 

@@ -1,3 +1,4 @@
+#include "BlocksCommand.h"
 #include "CallCommand.h"
 #include "CliOptions.h"
 #include "DataCommands.h"
@@ -97,6 +98,9 @@ int main(int argc, char** argv) {
     }
     if (options.command == QStringLiteral("import")) {
         return RunImportCommand(options);
+    }
+    if (options.command == QStringLiteral("blocks")) {
+        return RunBlocksCommand(options);
     }
 
     QtMessageSink messageBoxes;
