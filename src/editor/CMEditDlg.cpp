@@ -1,8 +1,11 @@
 #include "CMEditDlg.h"
 
 #include "BlockSettingsFolder.h"
+#include "CAttribGridWnd.h"
 #include "CModuleTree.h"
 #include "CPathLabel.h"
+#include "CTermGridWnd.h"
+#include "CrtNumbers.h"
 #include "DialogControls.h"
 #include "HostBridge.h"
 #include "HostServices.h"
@@ -54,6 +57,14 @@ void CMEditDlg::BuildControls() {
     SetControlId(m_stcDbPath, kIdDbPath);
     m_stcTable = new QLabel(this);
     SetControlId(m_stcTable, kIdTable);
+    m_termGrid = new CTermGridWnd(this);
+    SetControlId(m_termGrid, kIdTermGrid);
+    m_attribGrid = new CAttribGridWnd(this);
+    SetControlId(m_attribGrid, kIdAttribGrid);
+    // The grids reach the open module on each use; it changes with the selection.
+    const auto module = [this] { return GetCurrentModule(); };
+    m_termGrid->SetModuleSource(module);
+    m_attribGrid->SetModuleSource(module);
 
     m_btnInsert = MakeButton(this, tr("Insert"), kIdInsert);
     m_btnDone = MakeButton(this, tr("Done"), kIdDone);
@@ -71,7 +82,8 @@ void CMEditDlg::BuildControls() {
 
     auto* right = new QVBoxLayout;
     right->addWidget(m_stcTable);
-    right->addStretch(1);
+    right->addWidget(m_termGrid, 3);
+    right->addWidget(m_attribGrid, 1);
     right->addWidget(m_stcDbPath);
     auto* buttons = new QVBoxLayout;
     for (QPushButton* button : {m_btnInsert, m_btnDone, m_btnSave, m_btnNewModule, m_btnEditSpecs,
@@ -88,6 +100,10 @@ void CMEditDlg::BuildControls() {
     connect(m_btnDone, &QPushButton::clicked, this, &CMEditDlg::OnDone);
     connect(m_btnSave, &QPushButton::clicked, this, [this] { OnSave(); });
     connect(m_btnHelp, &QPushButton::clicked, this, &CMEditDlg::ShowHelp);
+    connect(m_termGrid, &CTermGridWnd::termRowChange, this,
+            [this](int blockIndex, const _rowchange& change) { OnRowChange(blockIndex, &change); });
+    connect(m_termGrid, &CTermGridWnd::modifiedFlagChanged, this, &CMEditDlg::UpdateSaveButton);
+    connect(m_attribGrid, &CAttribGridWnd::modifiedFlagChanged, this, &CMEditDlg::UpdateSaveButton);
     m_tree->selectionChanging = [this](QTreeWidgetItem* item) { return OnSelChanging(item); };
     m_tree->pasteApproval = [this](bool bMove) { return OnPasteApproval(bMove); };
     connect(m_tree, &CModuleTree::moduleSelectionChanged, this, &CMEditDlg::OnSelChanged);
@@ -149,6 +165,9 @@ void CMEditDlg::ReadBlockList() {
     m_strBlockDir = BlockSettingsFolder::Find(true);
     m_blockDesc.SetDirectory(m_strBlockDir);
     m_blockDesc.GetBlockList(false);
+    m_termGrid->SetBlockDesc(&m_blockDesc);
+    m_termGrid->Initialize();
+    m_attribGrid->Initialize();
 }
 
 void CMEditDlg::accept() {
@@ -182,7 +201,7 @@ void CMEditDlg::OnInsert() {
 }
 
 bool CMEditDlg::IsAnythingUnsaved() const {
-    return m_bRowsDirty || m_bSpecDirty;
+    return m_bRowsDirty || m_bSpecDirty || m_attribGrid->IsModified() || m_termGrid->IsModified();
 }
 
 void CMEditDlg::UpdateSaveButton() {
@@ -194,9 +213,16 @@ void CMEditDlg::MarkSpecChanged() {
     UpdateSaveButton();
 }
 
+void CMEditDlg::ClearGridFlags() {
+    // Each clear tells the dialog, posted, which refreshes the Save button.
+    m_termGrid->SetModifiedFlag(0);
+    m_attribGrid->SetModifiedFlag(0);
+}
+
 void CMEditDlg::ClearFlags() {
     m_bRowsDirty = false;
     m_bSpecDirty = false;
+    ClearGridFlags();
 }
 
 bool CMEditDlg::PromptToSave(bool bCanCancel) {
@@ -219,6 +245,12 @@ bool CMEditDlg::PromptToSave(bool bCanCancel) {
 }
 
 bool CMEditDlg::OnSave() {
+    // The attribute grid stores what it shows before the module is written.
+    const int row = m_termGrid->CurrentRow();
+    const int blockIndex =
+        int(crt::wtol(m_termGrid->GetCellValue(row, CTermGridWnd::ColumnTerminal)));
+    const _rowchange change{row, row, true};
+    OnRowChange(blockIndex, &change);
     const bool saved = m_db.SaveModule(m_nHandle);
     if (saved) {
         ClearFlags();
@@ -231,6 +263,7 @@ bool CMEditDlg::OnSelChanging(QTreeWidgetItem* item) {
     if (!PromptToSave(true)) {
         return false;
     }
+    m_attribGrid->SetModifiedFlag(0);
     m_bRowsDirty = false;
     QString table;
     if (!m_tree->GetTableOfItem(table, item)) {
@@ -261,6 +294,7 @@ void CMEditDlg::OnSelChanged(QTreeWidgetItem* item) {
             m_bModuleLoaded = m_nHandle != -1;
         }
     }
+    m_termGrid->LoadModule(m_bModuleLoaded ? m_nHandle : -1);
     QString table;
     m_stcTable->setText(m_tree->GetTableOfItem(table) ? Messages::Format(4020, {table})
                                                       : QString());
@@ -294,6 +328,28 @@ void CMEditDlg::OnCatalogRenamed() {
 void CMEditDlg::OnSelectionDeleting() {
     // The rows go with the module; a changed specification is still asked about.
     m_bRowsDirty = false;
+    ClearGridFlags();
+}
+
+void CMEditDlg::OnRowChange(int blockIndex, const _rowchange* change) {
+    if (!change) {
+        return;
+    }
+    m_attribGrid->SetBlockDesc(&m_blockDesc);
+    if (m_bModuleLoaded) {
+        m_attribGrid->SetModuleHandle(m_nHandle);
+        // Moved into the dialog's flag before the grid stores the values and forgets
+        // them, so that they still count as unsaved.
+        if (m_attribGrid->IsModified()) {
+            m_bRowsDirty = true;
+            m_attribGrid->SetModifiedFlag(0);
+        }
+    } else {
+        m_attribGrid->SetModuleHandle(-1);
+        m_attribGrid->SetSkipSave(true);
+    }
+    m_attribGrid->OnTermRowChange(blockIndex, change);
+    UpdateSaveButton();
 }
 
 void CMEditDlg::ShowHelp() {

@@ -2,10 +2,13 @@
 
 #include "CBlockDescEx.h"
 #include "CKVModuleDB.h"
+#include "TermRowChange.h"
 
 #include <QDialog>
 
+class CAttribGridWnd;
 class CModuleTree;
+class CTermGridWnd;
 class CPathLabel;
 class QLabel;
 class QPushButton;
@@ -59,7 +62,13 @@ public:
     // The specification of the open module was changed (its dialog's OK).
     void MarkSpecChanged();
 
+    // The terminal grid's row change and the flush before a save: the attribute grid
+    // stores what it shows into the row left and shows the new row.
+    void OnRowChange(int blockIndex, const _rowchange* change);
+
     CModuleTree& Tree() { return *m_tree; }
+    CTermGridWnd& TermGrid() { return *m_termGrid; }
+    CAttribGridWnd& AttribGrid() { return *m_attribGrid; }
     bool IsModuleLoaded() const { return m_bModuleLoaded; }
     bool IsRowsDirty() const { return m_bRowsDirty; }
     bool IsSpecDirty() const { return m_bSpecDirty; }
@@ -78,9 +87,12 @@ private:
     void OnSelectionDeleting();
     bool IsAnythingUnsaved() const;
     void ClearFlags();
+    void ClearGridFlags();
     void ShowHelp();
 
     CModuleTree* m_tree;
+    CTermGridWnd* m_termGrid;
+    CAttribGridWnd* m_attribGrid;
     QPushButton* m_btnInsert;
     QPushButton* m_btnDone;
     QPushButton* m_btnNewModule;

@@ -1,10 +1,13 @@
+#include "CAttribGridWnd.h"
 #include "CMEditDlg.h"
 #include "CModuleTree.h"
+#include "CTermGridWnd.h"
 #include "DialogControls.h"
 #include "EditorFixture.h"
 #include "ModalRunner.h"
 #include "ZelDbMigrate.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QLineEdit>
 #include <QPushButton>
@@ -68,6 +71,50 @@ protected:
         ASSERT_TRUE(button->isEnabled()) << id;
         QTest::mouseClick(button, Qt::LeftButton);
     }
+    // Clicks a cell of a grid, rows and columns from 1.
+    static void clickCell(GridCore& grid, int row, int col) {
+        grid.scrollTo(grid.model()->index(row - 1, col - 1));
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {},
+                          grid.visualRect(grid.model()->index(row - 1, col - 1)).center());
+    }
+    // Opens the cell's editor with F2, types text over its value and presses Return.
+    static void typeIntoCell(GridCore& grid, int row, int col, const QString& text) {
+        clickCell(grid, row, col);
+        QTest::keyClick(&grid, Qt::Key_F2);
+        QWidget* editor = QApplication::focusWidget();
+        ASSERT_NE(editor, &grid);
+        QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(editor, text);
+        QTest::keyClick(editor, Qt::Key_Return);
+        // The commit and the modified notices are posted.
+        QCoreApplication::processEvents();
+    }
+    // The attribute grid's column of tag, from its header row; -1 when not shown.
+    int attribColumn(const QString& tag) {
+        CAttribGridWnd& grid = m_dialog->AttribGrid();
+        for (int col = 1; col <= grid.model()->columnCount(); ++col) {
+            if (grid.CellText(0, col) == tag) {
+                return col;
+            }
+        }
+        return -1;
+    }
+    // The rows of a module as the store holds them.
+    QStringList storedRows(const QString& type, const QString& catalog) {
+        CKVModuleDB db;
+        QString table;
+        QStringList rows;
+        if (!db.Open(databasePath()) || !db.GetTypeTableName(kNorvale, kSeries, type, table)) {
+            return rows;
+        }
+        const int handle = db.LoadModule(table, catalog, false);
+        for (int row = 1; handle != -1 && row <= db.GetModule(handle).GetTermCount(); ++row) {
+            rows << db.GetModule(handle).GetTermText(row) + u'|' +
+                        db.GetModule(handle).GetTermSpecial(row);
+        }
+        return rows;
+    }
+
     // What the specification dialog does on OK: the open module changes and is marked.
     void changeSpecification(const QString& description) {
         CKVModule* module = m_dialog->GetCurrentModule();
@@ -209,8 +256,15 @@ TEST_F(CMEditDlgTest, AMoveAsksThenGivesUpTheChangesWhileACopyKeepsThem) {
     EXPECT_EQ(storedDescription(kInputs, QStringLiteral("NV-1108")), kNv1108Description);
 }
 
-TEST_F(CMEditDlgTest, DeletingTheOpenCatalogLeavesAChangedSpecificationToBeAskedAbout) {
+TEST_F(CMEditDlgTest, DeletingTheOpenCatalogDropsRowChangesButLeavesTheSpecificationToAsk) {
     click(item(kInputs, QStringLiteral("NV-1108")));
+    // A value of row 2 left behind: it counts as unsaved rows.
+    clickCell(m_dialog->TermGrid(), 2, CTermGridWnd::ColumnShow);
+    const int term = attribColumn(QStringLiteral("TERM_"));
+    ASSERT_NE(term, -1);
+    typeIntoCell(m_dialog->AttribGrid(), 1, term, QStringLiteral("20"));
+    clickCell(m_dialog->TermGrid(), 3, CTermGridWnd::ColumnShow);
+    EXPECT_TRUE(m_dialog->IsRowsDirty());
     changeSpecification(QStringLiteral("eight inputs"));
     tree().SetContextItem(item(kInputs, QStringLiteral("NV-1108")));
     m_messages.answers = {kIdYes, kIdNo};  // delete it; do not save
@@ -307,4 +361,34 @@ TEST_F(CMEditDlgTest, AnOlderFileIsUpgradedOnlyWhenTheUserSaysYes) {
     required = true;
     CheckForMigration(old, required, false, QString());
     EXPECT_FALSE(required);
+}
+
+TEST_F(CMEditDlgTest, CellChangesLightSaveAndSaveWritesExactlyThoseIntoTheStore) {
+    click(item(kInputs, QStringLiteral("NV-1108")));
+    const QStringList before = storedRows(kInputs, QStringLiteral("NV-1108"));
+    ASSERT_EQ(before.size(), 11);
+    EXPECT_FALSE(saveLit());
+
+    typeIntoCell(m_dialog->TermGrid(), 4, CTermGridWnd::ColumnSpacing, QStringLiteral("1.5"));
+    EXPECT_TRUE(saveLit());
+    // A value typed into the attribute grid and not yet taken into the row.
+    clickCell(m_dialog->TermGrid(), 3, CTermGridWnd::ColumnShow);
+    const int term = attribColumn(QStringLiteral("TERM_"));
+    ASSERT_NE(term, -1);
+    typeIntoCell(m_dialog->AttribGrid(), 1, term, QStringLiteral("30"));
+
+    clickButton(CMEditDlg::kIdSave);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(saveLit());
+    QStringList expected = before;
+    expected[2] = QStringLiteral("HP?DI|TERM_=30;\\SPECIAL=ADDR_IN;DESC2=CH01");
+    expected[3] = QStringLiteral(
+        "HP?DI|TERM_=4;\\SPECIAL=ADDR_IN;DESC3=CH02;"
+        "\\SPECIAL=SPACINGFACTOR=1.500000");
+    EXPECT_EQ(storedRows(kInputs, QStringLiteral("NV-1108")), expected);
+
+    // Nothing is left to ask about when leaving.
+    clickButton(CMEditDlg::kIdDone);
+    EXPECT_FALSE(m_dialog->isVisible());
+    EXPECT_EQ(questionsAsked(4012), 0);
 }
