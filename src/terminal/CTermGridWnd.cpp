@@ -6,6 +6,7 @@
 #include "HostBridge.h"
 #include "Messages.h"
 #include "ResourceLibrary.h"
+#include "TermGridFill.h"
 #include "TermRowsCommand.h"
 
 #include <QApplication>
@@ -244,8 +245,7 @@ void CTermGridWnd::contextMenuEvent(QContextMenuEvent* event) {
     m_nContextRow = index.isValid() ? index.row() + 1 : -1;
     m_nContextCol = index.isValid() ? index.column() + 1 : -1;
     QMenu menu(this);
-    // Edit Cells (225) joins the menu with the terminal picker.
-    for (const int command : {kCmdInsertBefore, kCmdInsertAfter, kCmdDeleteRows}) {
+    for (const int command : {kCmdEditCells, kCmdInsertBefore, kCmdInsertAfter, kCmdDeleteRows}) {
         menu.addAction(LoadResString(command))->setData(command);
     }
     if (QAction* chosen = menu.exec(global)) {
@@ -264,8 +264,10 @@ void CTermGridWnd::OnCommand(int command) {
         case kCmdDeleteRows:
             OnDeleteRows();
             break;
+        case kCmdEditCells:
+            TermGridFill(*this).OnEditCells();
+            break;
         default:
-            // Edit Cells comes with the terminal picker.
             break;
     }
 }

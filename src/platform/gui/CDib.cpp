@@ -2,6 +2,8 @@
 
 #include "ResourceLibrary.h"
 
+#include <QImageReader>
+
 bool CDib::Attach(const QImage& image) {
     if (image.isNull()) {
         return false;
@@ -20,6 +22,16 @@ bool CDib::LoadFile(const QString& path, QSize size) {
     QImage image(path);
     if (!image.isNull() && !size.isEmpty()) {
         image = image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
+    return Attach(image);
+}
+
+bool CDib::LoadBitmapFile(const QString& path, QSize size) {
+    QImageReader reader(path, "bmp");
+    reader.setDecideFormatFromContent(false);
+    QImage image = reader.read();
+    if (!image.isNull() && !size.isEmpty()) {
+        image = image.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation);
     }
     return Attach(image);
 }

@@ -18,6 +18,9 @@ public:
     bool Load(int resourceId);
     // The picture file, scaled to exactly size (its own size when size is empty).
     bool LoadFile(const QString& path, QSize size);
+    // A Windows bitmap file only, whatever its name, stretched to exactly size (its own
+    // size when size is empty), as the system's bitmap loader does.
+    bool LoadBitmapFile(const QString& path, QSize size = {});
 
     bool IsEmpty() const { return m_image.isNull(); }
     QImage image() const { return m_image; }

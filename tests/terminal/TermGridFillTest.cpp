@@ -1,0 +1,174 @@
+#include "CPickTerm.h"
+#include "DialogControls.h"
+#include "GridFixture.h"
+#include "ModalRunner.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSettings>
+#include <QTest>
+
+namespace {
+
+const QString kEditCells = QStringLiteral("Edit Cells...");
+
+QStringList StoredRecent() {
+    QSettings settings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("plcdb"),
+                       QStringLiteral("plcdb"));
+    settings.beginGroup(QStringLiteral("Settings/TermEditDlgControls"));
+    QStringList recent;
+    const int count = settings.value(QStringLiteral("RecentTermCount"), 0).toInt();
+    for (int i = 1; i <= count; ++i) {
+        recent.append(settings.value(QStringLiteral("Recent Terminal%1").arg(i)).toString());
+    }
+    return recent;
+}
+
+void ClearRecent() {
+    QSettings settings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("plcdb"),
+                       QStringLiteral("plcdb"));
+    settings.remove(QStringLiteral("Settings/TermEditDlgControls"));
+}
+
+// Which of the picker's parts are enabled: terminal, show, re-prompt, break, spacing.
+std::vector<bool> EnabledParts(QDialog& d) {
+    std::vector<bool> parts;
+    for (const int id : {CPickTerm::kIdBlocks, CPickTerm::kIdShow, CPickTerm::kIdRePrompt,
+                         CPickTerm::kIdBreak, CPickTerm::kIdSpacing}) {
+        parts.push_back(FindControl<QWidget>(&d, id)->isEnabled());
+    }
+    return parts;
+}
+
+void PressOk(QDialog& d) {
+    QTest::mouseClick(FindControl<QPushButton>(&d, CPickTerm::kIdOk), Qt::LeftButton);
+}
+
+}  // namespace
+
+class TermGridFillTest : public GridFixture {
+protected:
+    void SetUp() override {
+        GridFixture::SetUp();
+        ClearRecent();
+        makeGrids();
+        loadModule();
+    }
+    void TearDown() override {
+        ClearRecent();
+        GridFixture::TearDown();
+    }
+    // Row changes that asked the attribute grid to save, told since the last clear.
+    int savingNotices() const {
+        return int(std::count_if(m_changes.begin(), m_changes.end(),
+                                 [](const SeenRowChange& seen) { return seen.change.bSave; }));
+    }
+};
+
+TEST_F(TermGridFillTest, AFillOverSeveralRowsWritesOneColumnAndNotifiesOnce) {
+    clickCell(*m_term, 1, 2);
+    clickCell(*m_term, 3, 2, Qt::ShiftModifier);
+    m_changes.clear();
+    QueuedModalScript script;
+    script.push([](QDialog& d) {
+        EXPECT_EQ(EnabledParts(d), (std::vector<bool>{false, true, false, false, false}));
+        auto* show = FindControl<QComboBox>(&d, CPickTerm::kIdShow);
+        // Several rows preset nothing: the first choice stands.
+        EXPECT_EQ(show->currentIndex(), 0);
+        QTest::keyClick(show, Qt::Key_Down);
+        QTest::keyClick(show, Qt::Key_Down);
+        PressOk(d);
+        return 0;
+    });
+    contextCommand(2, 2, kEditCells);
+    EXPECT_TRUE(script.done());
+    for (int row = 1; row <= 3; ++row) {
+        EXPECT_EQ(m_module.GetIncludeExclude(row), 2) << row;
+    }
+    EXPECT_EQ(m_module.GetAddrFlags(2), 2);
+    EXPECT_EQ(m_module.GetBreak(3), 1);
+    EXPECT_EQ(m_module.GetTermText(3), QStringLiteral("XP2SPACE"));
+    EXPECT_EQ(savingNotices(), 1);
+    EXPECT_TRUE(m_term->IsModified());
+}
+
+TEST_F(TermGridFillTest, ARightClickOutsideTheSelectionClearsItAndEditsTheClickedColumnOnly) {
+    // Row 3 of show and re-prompt selected, the current cell ending on (3, 3).
+    clickCell(*m_term, 3, 2);
+    clickCell(*m_term, 3, 3, Qt::ShiftModifier);
+    QueuedModalScript script;
+    script.push([](QDialog& d) {
+        EXPECT_EQ(EnabledParts(d), (std::vector<bool>{false, false, true, false, false}));
+        auto* rePrompt = FindControl<QComboBox>(&d, CPickTerm::kIdRePrompt);
+        // Preset from the clicked cell, row 2.
+        EXPECT_EQ(rePrompt->currentIndex(), 2);
+        QTest::keyClick(rePrompt, Qt::Key_Up);
+        PressOk(d);
+        return 0;
+    });
+    contextCommand(2, 3, kEditCells);
+    EXPECT_TRUE(m_term->selectionModel()->selection().isEmpty());
+    // The value goes to the current cell of that column; show is left alone.
+    EXPECT_EQ(m_module.GetAddrFlags(3), 1);
+    EXPECT_EQ(m_module.GetAddrFlags(2), 2);
+    EXPECT_EQ(m_module.GetIncludeExclude(3), 0);
+
+    // A column the current cell is not in changes nothing.
+    script.push([](QDialog& d) {
+        EXPECT_EQ(EnabledParts(d), (std::vector<bool>{false, false, false, true, false}));
+        QTest::mouseClick(FindControl<QCheckBox>(&d, CPickTerm::kIdBreak), Qt::LeftButton);
+        PressOk(d);
+        return 0;
+    });
+    contextCommand(1, 4, kEditCells);
+    EXPECT_EQ(m_module.GetBreak(1), 0);
+    EXPECT_EQ(m_module.GetBreak(3), 1);
+}
+
+TEST_F(TermGridFillTest, OpeningOnACellPresetsItsTerminalAndAddsItToTheRecentList) {
+    clickCell(*m_term, 2, 1);
+    QueuedModalScript script;
+    script.push([](QDialog& d) {
+        EXPECT_EQ(EnabledParts(d), (std::vector<bool>{true, false, false, false, false}));
+        const QList<QListWidgetItem*> selected =
+            FindControl<QListWidget>(&d, CPickTerm::kIdBlocks)->selectedItems();
+        EXPECT_EQ(selected.size(), 1);
+        EXPECT_EQ(selected.value(0) ? selected.value(0)->text() : QString(), "Fuse");
+        return int(kIdCancel);
+    });
+    contextCommand(2, 1, kEditCells);
+    EXPECT_EQ(StoredRecent(), QStringList{"Fuse"});
+    EXPECT_EQ(m_module.GetTermText(2), QStringLiteral("HP?FUSE"));
+
+    script.push([](QDialog& d) {
+        auto* blocks = FindControl<QListWidget>(&d, CPickTerm::kIdBlocks);
+        blocks->doItemsLayout();
+        QTest::mouseClick(blocks->viewport(), Qt::LeftButton, {},
+                          blocks->visualItemRect(blocks->item(2)).center());
+        PressOk(d);
+        return 0;
+    });
+    contextCommand(2, 1, kEditCells);
+    EXPECT_EQ(m_module.GetTermText(2), QStringLiteral("XP2SPACE"));
+    EXPECT_EQ(StoredRecent(), (QStringList{"Spacer", "Fuse"}));
+}
+
+TEST_F(TermGridFillTest, OneSelectedRowPresetsEveryColumnInPlay) {
+    clickCell(*m_term, 3, 2);
+    clickCell(*m_term, 3, 5, Qt::ShiftModifier);
+    const QStringList before = moduleRows();
+    QueuedModalScript script;
+    script.push([](QDialog& d) {
+        EXPECT_EQ(EnabledParts(d), (std::vector<bool>{false, true, true, true, true}));
+        EXPECT_EQ(FindControl<QComboBox>(&d, CPickTerm::kIdShow)->currentIndex(), 0);
+        EXPECT_TRUE(FindControl<QCheckBox>(&d, CPickTerm::kIdBreak)->isChecked());
+        EXPECT_EQ(FindControl<QLineEdit>(&d, CPickTerm::kIdSpacing)->text(), "1.5000");
+        return int(kIdCancel);
+    });
+    contextCommand(3, 4, kEditCells);
+    EXPECT_TRUE(script.done());
+    EXPECT_EQ(moduleRows(), before);
+}
