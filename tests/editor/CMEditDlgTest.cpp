@@ -1,17 +1,26 @@
 #include "CAttribGridWnd.h"
 #include "CMEditDlg.h"
 #include "CModuleTree.h"
+#include "CPickTerm.h"
 #include "CTermGridWnd.h"
+#include "CatalogDocument.h"
 #include "DialogControls.h"
 #include "EditorFixture.h"
 #include "ModalRunner.h"
+#include "ResourceLibrary.h"
 #include "ZelDbMigrate.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 
 namespace {
 
@@ -82,6 +91,7 @@ protected:
         clickCell(grid, row, col);
         QTest::keyClick(&grid, Qt::Key_F2);
         QWidget* editor = QApplication::focusWidget();
+        ASSERT_NE(editor, nullptr);
         ASSERT_NE(editor, &grid);
         QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
         QTest::keyClicks(editor, text);
@@ -98,6 +108,43 @@ protected:
             }
         }
         return -1;
+    }
+    // Right-clicks a cell of the terminal grid and chooses entry from its menu.
+    void contextCommand(int row, int col, const QString& entry) {
+        CTermGridWnd& grid = m_dialog->TermGrid();
+        bool clicked = false;
+        QTimer waitForMenu;
+        waitForMenu.setInterval(0);
+        QObject::connect(&waitForMenu, &QTimer::timeout, [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            if (!menu) {
+                return;
+            }
+            waitForMenu.stop();
+            for (QAction* action : menu->actions()) {
+                if (action->text() == entry && action->isEnabled()) {
+                    QTest::mouseClick(menu, Qt::LeftButton, {},
+                                      menu->actionGeometry(action).center());
+                    clicked = true;
+                    return;
+                }
+            }
+            menu->close();
+        });
+        waitForMenu.start();
+        const QPoint cell = grid.visualRect(grid.model()->index(row - 1, col - 1)).center();
+        QTest::mouseClick(m_dialog->windowHandle(), Qt::RightButton, {},
+                          grid.viewport()->mapTo(m_dialog.get(), cell));
+        waitForMenu.stop();
+        EXPECT_TRUE(clicked) << qPrintable(entry);
+    }
+    // The whole database as plcdb export writes it, read through a store of its own.
+    QJsonObject exported() {
+        CKVModuleDB db;
+        QJsonObject document;
+        EXPECT_TRUE(db.Open(databasePath()));
+        EXPECT_TRUE(CatalogDocument::Export(db, document, nullptr));
+        return document;
     }
     // The rows of a module as the store holds them.
     QStringList storedRows(const QString& type, const QString& catalog) {
@@ -169,6 +216,13 @@ TEST_F(CMEditDlgTest, ReturnAndTheCancelKeyDuringALabelEditEndItAndKeepTheDialog
     QCoreApplication::processEvents();
     EXPECT_TRUE(m_dialog->isVisible());
     EXPECT_EQ(outputs->text(0), QStringLiteral("Relay Output"));
+
+    // F1 and the help button open the editor's topic.
+    QStringList reports;
+    m_host->setReporter([&reports](const QString& text) { reports << text; });
+    QTest::keyClick(m_dialog.get(), Qt::Key_F1);
+    clickButton(CMEditDlg::kIdHelp);
+    EXPECT_EQ(reports, QStringList(2, QStringLiteral("Help topic: plc_dbeditor")));
 
     // Without an edit the same key closes the dialog, with OK.
     QTest::keyClick(m_dialog.get(), Qt::Key_Escape);
@@ -391,4 +445,82 @@ TEST_F(CMEditDlgTest, CellChangesLightSaveAndSaveWritesExactlyThoseIntoTheStore)
     clickButton(CMEditDlg::kIdDone);
     EXPECT_FALSE(m_dialog->isVisible());
     EXPECT_EQ(questionsAsked(4012), 0);
+}
+
+TEST_F(CMEditDlgTest, ABlockPickedAnEditUndoneAndSaveChangeExactlyThatRowOfTheExport) {
+    const QJsonObject before = exported();
+    click(item(kInputs, QStringLiteral("NV-1108")));
+
+    // Row 3 gets the digital output block through the picker.
+    QueuedModalScript script;
+    script.push([](QDialog& picker) {
+        auto* categories = FindControl<QListWidget>(&picker, CPickTerm::kIdCategories);
+        auto* blocks = FindControl<QListWidget>(&picker, CPickTerm::kIdBlocks);
+        const QList<QListWidgetItem*> digital =
+            categories->findItems(QStringLiteral("Digital"), Qt::MatchExactly);
+        EXPECT_EQ(digital.size(), 1);
+        if (digital.size() != 1) {
+            return 0;
+        }
+        QTest::mouseClick(categories->viewport(), Qt::LeftButton, {},
+                          categories->visualItemRect(digital.first()).center());
+        const QList<QListWidgetItem*> output =
+            blocks->findItems(QStringLiteral("Digital output"), Qt::MatchExactly);
+        EXPECT_EQ(output.size(), 1);
+        if (output.size() != 1) {
+            return 0;
+        }
+        blocks->doItemsLayout();
+        QTest::mouseClick(blocks->viewport(), Qt::LeftButton, {},
+                          blocks->visualItemRect(output.first()).center());
+        QTest::mouseClick(FindControl<QPushButton>(&picker, CPickTerm::kIdOk), Qt::LeftButton);
+        return 0;
+    });
+    // The picker writes the block only into the current cell's row when that cell is in
+    // the terminal column, so the user clicks the cell first.
+    clickCell(m_dialog->TermGrid(), 3, CTermGridWnd::ColumnTerminal);
+    contextCommand(3, CTermGridWnd::ColumnTerminal, LoadResString(CTermGridWnd::kCmdEditCells));
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(script.done());
+    EXPECT_EQ(script.seen, QStringList{QStringLiteral("CPickTerm")});
+    EXPECT_TRUE(saveLit());
+    EXPECT_EQ(m_dialog->GetCurrentModule()->GetTermText(3), QStringLiteral("HP?DO"));
+
+    // An attribute value typed and taken back with Ctrl+Z, once the editor is active again.
+    m_dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
+    CAttribGridWnd& attributes = m_dialog->AttribGrid();
+    const int term = attribColumn(QStringLiteral("TERM_"));
+    ASSERT_NE(term, -1);
+    typeIntoCell(attributes, 1, term, QStringLiteral("99"));
+    EXPECT_EQ(attributes.CellText(1, term), QStringLiteral("99"));
+    attributes.setFocus();
+    QTest::keyClick(&attributes, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(attributes.CellText(1, term), QStringLiteral("3"));
+
+    EXPECT_EQ(m_dialog->GetCurrentModule()->GetTermText(3), QStringLiteral("HP?DO"));
+    clickButton(CMEditDlg::kIdSave);
+    EXPECT_EQ(m_dialog->GetCurrentModule()->GetTermText(3), QStringLiteral("HP?DO"));
+    QJsonObject expected = before;
+    QJsonArray modules = expected.value(QStringLiteral("modules")).toArray();
+    bool found = false;
+    for (qsizetype i = 0; i < modules.size(); ++i) {
+        QJsonObject module = modules[i].toObject();
+        if (module.value(QStringLiteral("spec")).toObject().value(QStringLiteral("Code")) !=
+            QStringLiteral("NV-1108")) {
+            continue;
+        }
+        QJsonArray rows = module.value(QStringLiteral("terminals")).toArray();
+        QJsonObject third = rows[2].toObject();
+        EXPECT_EQ(third.value(QStringLiteral("text")), QStringLiteral("HP?DI"));
+        third.insert(QStringLiteral("text"), QStringLiteral("HP?DO"));
+        rows[2] = third;
+        module.insert(QStringLiteral("terminals"), rows);
+        modules[i] = module;
+        found = true;
+    }
+    ASSERT_TRUE(found);
+    expected.insert(QStringLiteral("modules"), modules);
+    EXPECT_EQ(QString::fromUtf8(QJsonDocument(exported()).toJson()),
+              QString::fromUtf8(QJsonDocument(expected).toJson()));
 }
