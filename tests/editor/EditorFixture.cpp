@@ -25,7 +25,7 @@ void EditorFixture::startHost(int precision) {
     SetCurrentHost(m_host.get());
     for (const char* name :
          {"kv_fio_does_file_exist", "kv_fio_does_file_exist_error", "zel_get_var",
-         "kv_fio_does_block_exist_disk", "kv_fio_block_path_failed_msg"}) {
+          "kv_fio_does_block_exist_disk", "kv_fio_block_path_failed_msg"}) {
         DeclareLispFunction(QString::fromLatin1(name));
     }
 }
