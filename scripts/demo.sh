@@ -23,6 +23,12 @@ echo
 # The selection as a script gets it: the list the dialog gives for these choices.
 show --db "$sample" select --manufacturer "Norvale Controls" --series NV-100 \
     --type "Digital Input" --catalog NV-1108 --style 3 --orient H --scale 2.0
+# The terminal block list the editor reads, and a block found by the name a module stores.
+echo "\$ plcdb blocks | head -c 600"
+"$plcdb" blocks | head -c 600 || true
+echo "..."
+echo
+show blocks --find 'HP?DI'
 show call '(zel_delay 1)'
 # An integer where the style text belongs: the selection answers nil at once.
 show call "(zel_mbsel '(0 \"\" nil 5 \"V\" 1.0 nil \"\" nil))"

@@ -6,6 +6,7 @@
 #include <QtMath>
 
 #include <cmath>
+#include <cstring>
 
 namespace {
 
@@ -87,6 +88,10 @@ QString DecodeControlCodes(const QString& text) {
 }
 
 QString DecodeValue(const QByteArray& bytes) {
+    // Most values hold neither escapes nor control codes: no second and third pass.
+    if (!bytes.contains('\\') && !bytes.contains('%')) {
+        return DecodeBytes(bytes);
+    }
     return DecodeControlCodes(DecodeUnicodeEscapes(DecodeBytes(bytes)));
 }
 
@@ -127,13 +132,6 @@ QString StripParagraphCodes(const QString& text) {
         }
     }
     return out;
-}
-
-QByteArray Chomp(QByteArray line) {
-    while (line.endsWith('\n') || line.endsWith('\r')) {
-        line.chop(1);
-    }
-    return line;
 }
 
 void Include(QRectF& box, const QPointF& point) {
@@ -252,7 +250,8 @@ bool DxfReader::ReadFile(const QString& path, DxfDrawing& drawing, QString* erro
 
 bool DxfReader::ReadFile(const QString& path, DxfSink& sink, QString* error) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    // The reader keeps a buffer of its own.
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         if (error) {
             *error = QStringLiteral("cannot open the drawing %1: %2").arg(path, file.errorString());
         }
@@ -282,12 +281,22 @@ bool DxfReader::run() {
 }
 
 bool DxfReader::readRecords(Group first) {
-    Group group = first;
+    QByteArray type = first.value;
+    qint64 line = first.line;
+    Record record;
     while (true) {
-        Record record{group.value.trimmed().toUpper(), group.line, {}};
+        record.type = type.trimmed().toUpper();
+        record.line = line;
+        record.count = 0;
         Next next;
-        while ((next = readGroup(group)) == Next::Group && group.code != 0) {
-            record.groups.append(group);
+        while ((next = readGroup(record.next())) == Next::Group) {
+            const Group& read = record.next();
+            if (read.code == 0) {
+                type = read.value;
+                line = read.line;
+                break;
+            }
+            ++record.count;
         }
         if (next == Next::Failed) {
             return false;
@@ -320,6 +329,13 @@ bool DxfReader::finishAtEnd(const Record& record) {
     return fail(QStringLiteral("the drawing ends without EOF"));
 }
 
+DxfReader::Group& DxfReader::Record::next() {
+    if (count == pool.size()) {
+        pool.emplace_back();
+    }
+    return pool[count];
+}
+
 DxfReader::Next DxfReader::readGroup(Group& group) {
     do {
         const Next next = readPair(group);
@@ -331,54 +347,102 @@ DxfReader::Next DxfReader::readGroup(Group& group) {
 }
 
 DxfReader::Next DxfReader::readPair(Group& group) {
-    QByteArray code;
+    QByteArrayView code;
     Next next = readLine(code);
-    if (next != Next::Group || (code.trimmed().isEmpty() && m_input.atEnd())) {
-        return next == Next::Failed ? next : Next::End;  // a blank last line is no group
+    if (next != Next::Group) {
+        return next;
     }
+    // Taken before atEnd, which may move the buffer under the view.
     bool ok = false;
     group.code = code.trimmed().toInt(&ok);
     group.line = m_lineNumber;
+    const bool blank = code.trimmed().isEmpty();
+    const QByteArray shown =
+        ok ? QByteArray() : code.first(qMin(code.size(), qsizetype(40))).toByteArray();
+    if (blank && atEnd()) {
+        return Next::End;  // a blank last line is no group
+    }
     if (!ok) {
-        fail(QStringLiteral("group code expected, found \"%1\"").arg(DecodeBytes(code.left(40))));
+        fail(QStringLiteral("group code expected, found \"%1\"").arg(DecodeBytes(shown)));
         return Next::Failed;
     }
-    next = readLine(group.value);
+    QByteArrayView value;
+    next = readLine(value);
     if (next == Next::End) {
         fail(QStringLiteral("group code %1 has no value; the entities before it were read")
                  .arg(group.code));
         return Next::Failed;
     }
+    // Into the room the slot has from earlier entities.
+    group.value.resize(value.size());
+    if (!value.isEmpty()) {
+        std::memcpy(group.value.data(), value.data(), size_t(value.size()));
+    }
     return next;
 }
 
-DxfReader::Next DxfReader::readLine(QByteArray& line) {
-    if (m_input.atEnd()) {
-        return Next::End;
+bool DxfReader::atEnd() {
+    if (m_position >= m_buffer.size() && !m_exhausted) {
+        fillBuffer();
     }
-    // Read in pieces, so that a short line costs no buffer of the longest size. Past the
-    // longest line, a byte order mark and "\r\n", the line is too long whatever follows.
-    constexpr qint64 kEnough = kMaxLineLength + 5;
-    char piece[4096];
-    line.clear();
-    qint64 size = 0;
-    do {
-        size = m_input.readLine(piece, sizeof piece);
-        if (size < 0) {
-            fail(QStringLiteral("the drawing cannot be read: %1").arg(m_input.errorString()));
-            return Next::Failed;
+    return m_position >= m_buffer.size();
+}
+
+// Appends the next chunk of the input to what is left of the buffer; a read that gives
+// nothing marks the end of the input. False when the input fails.
+bool DxfReader::fillBuffer() {
+    constexpr qint64 kChunk = qint64(64) * 1024;
+    m_buffer.remove(0, m_position);
+    m_position = 0;
+    const qsizetype kept = m_buffer.size();
+    m_buffer.resize(kept + kChunk);
+    const qint64 size = m_input.read(m_buffer.data() + kept, kChunk);
+    m_buffer.resize(kept + qMax(size, qint64(0)));
+    m_exhausted = size <= 0;
+    if (size < 0) {
+        return fail(QStringLiteral("the drawing cannot be read: %1").arg(m_input.errorString()));
+    }
+    return true;
+}
+
+// The next line without its line end, as a view into the buffer that holds until the
+// next call. A line that grows past the longest line, a byte order mark and "\r\n" is
+// too long whatever follows, so no more is read for it.
+DxfReader::Next DxfReader::readLine(QByteArrayView& line) {
+    if (atEnd()) {
+        return m_error.isEmpty() ? Next::End : Next::Failed;
+    }
+    constexpr qsizetype kEnough = kMaxLineLength + 5;
+    qsizetype end = -1;
+    qsizetype searched = 0;  // from m_position
+    while (end < 0) {
+        const char* from = m_buffer.constData() + m_position + searched;
+        const void* found =
+            std::memchr(from, '\n', size_t(m_buffer.size() - m_position - searched));
+        if (found) {
+            end = static_cast<const char*>(found) - m_buffer.constData() + 1;
+        } else if (m_buffer.size() - m_position > kEnough || m_exhausted) {
+            end = m_buffer.size();
+        } else {
+            searched = m_buffer.size() - m_position;
+            if (!fillBuffer()) {
+                return Next::Failed;
+            }
         }
-        line.append(piece, size);
-    } while (size > 0 && !line.endsWith('\n') && !m_input.atEnd() && line.size() <= kEnough);
+    }
+    line = QByteArrayView(m_buffer).sliced(m_position, end - m_position);
+    m_position = end;
     ++m_lineNumber;
     if (m_lineNumber == 1 && line.startsWith("\xEF\xBB\xBF")) {
-        line.remove(0, 3);
+        line = line.sliced(3);
     }
     if (line.contains('\0')) {
         fail(QStringLiteral("binary data; this is no drawing in text form"));
         return Next::Failed;
     }
-    line = Chomp(line);
+    while (line.endsWith('\n') || line.endsWith('\r')) {
+        line.chop(1);
+    }
     if (line.size() > kMaxLineLength) {
         fail(QStringLiteral("the line is longer than %1 bytes").arg(kMaxLineLength));
         return Next::Failed;
@@ -482,7 +546,7 @@ DxfSpace DxfReader::spaceOf(const Record& record) const {
 }
 
 const DxfReader::Group* DxfReader::find(const Record& record, int code) const {
-    for (const Group& group : record.groups) {
+    for (const Group& group : record.groups()) {
         if (group.code == kEmbeddedObject) {
             return nullptr;
         }
@@ -564,7 +628,7 @@ bool DxfReader::readLightPolyline(const Record& record) {
         return false;
     }
     polyline.closed = flags & 1;
-    for (const Group& group : record.groups) {
+    for (const Group& group : record.groups()) {
         if (group.code != 10 && (group.code != 20 || polyline.points.isEmpty())) {
             continue;
         }
@@ -629,7 +693,7 @@ bool DxfReader::readParagraph(const Record& record) {
         text.rotation = qRadiansToDegrees(std::atan2(direction.y(), direction.x()));
     }
     QByteArray pieces;
-    for (const Group& group : record.groups) {
+    for (const Group& group : record.groups()) {
         if (group.code == kEmbeddedObject) {
             break;
         }

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QList>
 #include <QPointF>
 #include <QRectF>
 #include <QString>
+
+#include <span>
 
 class QIODevice;
 
@@ -118,10 +121,15 @@ private:
         QByteArray value;
         qint64 line = 0;
     };
+    // The groups of one entity. A reader keeps one record for all and reuses its
+    // groups, values included, so that reading a group allocates nothing.
     struct Record {
         QByteArray type;
         qint64 line = 0;
-        QList<Group> groups;
+        QList<Group> pool;
+        qsizetype count = 0;
+        std::span<const Group> groups() const { return {pool.constData(), size_t(count)}; }
+        Group& next();  // the slot behind the groups, made when missing
     };
     enum class Next { Group, End, Failed };
 
@@ -131,7 +139,9 @@ private:
     bool finishAtEnd(const Record& record);
     Next readGroup(Group& group);
     Next readPair(Group& group);
-    Next readLine(QByteArray& line);
+    Next readLine(QByteArrayView& line);
+    bool atEnd();
+    bool fillBuffer();
     bool fail(const QString& reason);
     bool failAt(qint64 line, const QString& reason);
 
@@ -160,6 +170,9 @@ private:
 
     QIODevice& m_input;
     DxfSink& m_sink;
+    QByteArray m_buffer;  // read ahead of the lines handed out
+    qsizetype m_position = 0;
+    bool m_exhausted = false;  // a read gave nothing more
     qint64 m_lineNumber = 0;
     QString m_error;
     QByteArray m_section;                    // upper case; empty between sections

@@ -89,10 +89,13 @@ void CTermGridWnd::LoadModule(int nHandle) {
     }
     SetLockReadOnly(false);
     // The list may have changed since the last module.
-    m_model->SetTermChoices(m_model->BuildTermChoiceList());
+    m_model->RefreshBlocks();
     const int count = module->GetTermCount();
+    QList<int> blocks(count);
     for (int row = 1; row <= count; ++row) {
-        if (!m_pBlockDesc || m_pBlockDesc->FindBlock(module->GetTermText(row), 1) == -1) {
+        blocks[row - 1] = m_model->Blocks().Find(module->GetTermText(row));
+        if (blocks[row - 1] == -1) {
+            // Nothing of the module is written back then.
             Messages::Show(kMsgUnknownBlock, {}, MsgButtons::Ok, MsgIcon::Information,
                            kCaptionUnknownBlock);
             m_model->ShowRows(0);
@@ -101,7 +104,9 @@ void CTermGridWnd::LoadModule(int nHandle) {
         }
     }
     m_model->ShowRows(count);
-    WriteBackRows();
+    for (int row = 1; row <= count; ++row) {
+        m_model->WriteBackRow(row, blocks[row - 1]);
+    }
     SetLockReadOnly(true);
     SetModifiedFlag(0);
     SendRowChange(1, 1, false);
@@ -115,18 +120,6 @@ void CTermGridWnd::LoadModule(int nHandle) {
     if (focus) {
         focus->setFocus();
     }
-}
-
-void CTermGridWnd::WriteBackRows() {
-    const bool undo = IsUndoEnabled();
-    SetUndoEnabled(false);
-    const int count = m_model->RowCount();
-    for (int row = 1; row <= count; ++row) {
-        for (int col = 1; col <= ColumnCount; ++col) {
-            m_model->StoreValue(row, col, m_model->CellValue(row, col));
-        }
-    }
-    SetUndoEnabled(undo);
 }
 
 void CTermGridWnd::SetModifiedFlag(int flag) {

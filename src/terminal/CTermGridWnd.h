@@ -95,8 +95,6 @@ private:
     // The write-through of one cell, recorded as an undo step when it changed the row.
     bool WriteCell(int row, int col, const QString& value, bool bNotify);
     void SendRowChange(int prevRow, int newRow, bool bSave);
-    // Writes every shown value back, which puts block names into module form.
-    void WriteBackRows();
     void OnInsertBefore();
     void OnInsertAfter();
     void InsertRow(bool bBefore);

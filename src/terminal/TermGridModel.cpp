@@ -28,16 +28,14 @@ void TermGridModel::SetTexts(const QStringList& headers, const QStringList& show
     emit headerDataChanged(Qt::Horizontal, 0, ColumnCount - 1);
 }
 
-QStringList TermGridModel::BuildTermChoiceList() const {
-    QStringList choices;
-    if (!m_pBlockDesc) {
-        return choices;
-    }
-    _termblock block;
-    for (int index = 1; m_pBlockDesc->GetBlockAt(index, block); ++index) {
-        choices.append(block.strDescription);
-    }
-    return choices;
+void TermGridModel::SetBlockDesc(CBlockDescEx* blocks) {
+    m_pBlockDesc = blocks;
+    RefreshBlocks();
+}
+
+void TermGridModel::RefreshBlocks() {
+    m_lookup.Rebuild(m_pBlockDesc);
+    m_termChoices = m_lookup.Descriptions();
 }
 
 void TermGridModel::ShowRows(int count) {
@@ -55,7 +53,18 @@ int TermGridModel::BlockIndexOf(int row) const {
     if (!module || !m_pBlockDesc || row < 1 || row > module->GetTermCount()) {
         return -1;
     }
-    return m_pBlockDesc->FindBlock(module->GetTermText(row), 1);
+    return m_lookup.Find(module->GetTermText(row));
+}
+
+void TermGridModel::WriteBackRow(int row, int blockIndex) {
+    CKVModule* module = Module();
+    if (!module || row < 1 || row > module->GetTermCount()) {
+        return;
+    }
+    const QString name = m_lookup.ModuleForm(blockIndex);
+    if (!name.isEmpty() && module->GetTermText(row) != name) {
+        module->SetTermText(row, name);
+    }
 }
 
 QString TermGridModel::SpacingText(double value) {

@@ -2,6 +2,8 @@
 
 #include "GridModel.h"
 
+#include "BlockLookup.h"
+
 #include "CKVModule.h"
 
 #include <functional>
@@ -31,15 +33,16 @@ public:
     void SetModuleSource(ModuleSource source) { m_source = std::move(source); }
     // The module as the source gives it now; null when there is none.
     CKVModule* Module() const { return m_source ? m_source() : nullptr; }
-    void SetBlockDesc(CBlockDescEx* blocks) { m_pBlockDesc = blocks; }
+    void SetBlockDesc(CBlockDescEx* blocks);
     CBlockDescEx* BlockDesc() const { return m_pBlockDesc; }
 
     // Header texts, and the lines of the show and re-prompt drop lists.
     void SetTexts(const QStringList& headers, const QStringList& showChoices,
                   const QStringList& rePromptChoices);
-    // The descriptions of all blocks of the list, in list order; empty without a list.
-    QStringList BuildTermChoiceList() const;
-    void SetTermChoices(const QStringList& choices) { m_termChoices = choices; }
+    // Reads the block list again: the terminal column's choices are the descriptions of
+    // all its blocks, in list order, and stored names are looked up in it.
+    void RefreshBlocks();
+    const BlockLookup& Blocks() const { return m_lookup; }
     // Shows that many rows of the module (0 empties the grid).
     void ShowRows(int count);
 
@@ -54,6 +57,10 @@ public:
 
     // The one-based block of a row's stored name, -1 when the list has none.
     int BlockIndexOf(int row) const;
+    // Writes the name of the row's block (blockIndex) back in module form. The other
+    // columns show what the row holds and are not written back: a spacing keeps the
+    // decimals that the cell does not show until the user edits it.
+    void WriteBackRow(int row, int blockIndex);
     // Spacing as a cell shows it: four decimals in the locale's separator, empty unset.
     static QString SpacingText(double value);
     // The other way: the locale's separator read as ".", empty gives -1.0 (unset).
@@ -70,6 +77,7 @@ public:
 private:
     ModuleSource m_source;
     CBlockDescEx* m_pBlockDesc = nullptr;
+    BlockLookup m_lookup;
     int m_nRows = 0;
     QStringList m_headers;
     QStringList m_termChoices;

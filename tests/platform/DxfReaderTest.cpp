@@ -259,6 +259,22 @@ TEST(DxfReaderTest, TheLongestLineIsReadAndOneByteMoreIsNot) {
     EXPECT_EQ(drawing.texts.value(0).text, QString::fromLatin1(longest));
 }
 
+TEST(DxfReaderTest, ManyEntitiesAcrossTheReadChunksComeWhole) {
+    Pairs body;
+    for (int i = 0; i < 4000; ++i) {
+        const QByteArray n = QByteArray::number(i);
+        body.insert(body.end(),
+                    {{0, "LINE"}, {10, n}, {20, "0.5"}, {11, n + ".25"}, {21, "-" + n}});
+    }
+    DxfDrawing drawing;
+    ASSERT_TRUE(DxfReader::ReadText(Entities(body, "\r\n"), drawing, nullptr));
+    ASSERT_EQ(drawing.lines.size(), 4000);
+    for (int i : {0, 1234, 2999, 3999}) {
+        EXPECT_EQ(drawing.lines[i].start, QPointF(i, 0.5));
+        EXPECT_EQ(drawing.lines[i].end, QPointF(i + 0.25, -i));
+    }
+}
+
 TEST(DxfReaderTest, DecodesTextValues) {
     struct Case {
         QByteArray value;

@@ -2,7 +2,6 @@
 #include "TerminalFixture.h"
 #include "TestSupport.h"
 
-#include <QFile>
 #include <QLocale>
 
 using BlockSettings = TerminalFixture;
@@ -76,19 +75,6 @@ TEST_F(BlockSettings, WithoutAFolderOrFileNothingIsReadOrWritten) {
     EXPECT_TRUE(list.isEmpty());
 }
 
-TEST_F(BlockSettings, AWriteProtectedFileCannotBeRead) {
-    writeSettings(":HP1A;Cat;Desc\n");
-    QFile::setPermissions(settingsPath(), QFile::ReadOwner);
-    if (QFile(settingsPath()).open(QIODevice::ReadWrite)) {
-        GTEST_SKIP() << "the user may write any file";
-    }
-    CTermBlockSettings settings;
-    settings.SetDirectory(settingsFolder());
-    TermBlockList list;
-    EXPECT_FALSE(settings.Read(list));
-    QFile::setPermissions(settingsPath(), QFile::ReadOwner | QFile::WriteOwner);
-}
-
 TEST_F(BlockSettings, AttributesOfBothSpacesComeSortedWithDuplicatesInFileOrder) {
     const QByteArray blocks = BlockDef("*Model_Space", AttDef("beta", "Beta in block", 9, 9)) +
                               BlockDef("*PAPER_SPACE", AttDef("Alpha", "Paper block", 8, 8)) +
@@ -108,21 +94,6 @@ TEST_F(BlockSettings, AttributesOfBothSpacesComeSortedWithDuplicatesInFileOrder)
     EXPECT_EQ(attribs[3].strPrompt, QStringLiteral("first"));
     EXPECT_EQ(attribs[4].strPrompt, QStringLiteral("second"));
     EXPECT_DOUBLE_EQ(attribs[4].dX, 3.0);
-}
-
-TEST_F(BlockSettings, AttributeTakesEveryNumberOfItsDefinition) {
-    writeDrawing(QStringLiteral("HP1N.SHT"),
-                 Drawing("0\nATTDEF\n10\n1.5\n20\n-2\n30\n0.25\n40\n3\n41\n0.8\n50\n90\n51\n"
-                         "15\n72\n1\n74\n2\n2\nT\n3\nP\n"));
-    CTermBlockSettings settings;
-    QList<_attrinfo> attribs;
-    ASSERT_TRUE(settings.LoadBlockAttribs(QStringLiteral("HP1N.SHT"), attribs));
-    ASSERT_EQ(attribs.size(), 1);
-    const _attrinfo& a = attribs[0];
-    EXPECT_EQ((QList<double>{a.dX, a.dY, a.dZ, a.dHeight, a.dWidthFactor, a.dRotation, a.dOblique}),
-              (QList<double>{1.5, -2, 0.25, 3, 0.8, 90, 15}));
-    EXPECT_EQ(a.nHorzMode, 1);
-    EXPECT_EQ(a.nVertMode, 2);
 }
 
 TEST_F(BlockSettings, ABlockWhoseDrawingFailsKeepsTheAttributesOfTheBlockBeforeIt) {

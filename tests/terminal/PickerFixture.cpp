@@ -62,16 +62,16 @@ void PickerFixture::SetUp() {
         Block("HP1SP3", "Spares", "Spare 3", ""),
         Block("HP1SP4", "Spares", "Spare 4", ""),
     });
-    clearRecent();
+    ClearRecent();
 }
 
 void PickerFixture::TearDown() {
-    clearRecent();
+    ClearRecent();
     SetCurrentHost(nullptr);
     SetCurrentResources(nullptr);
 }
 
-QStringList PickerFixture::storedRecent() {
+QStringList StoredRecent() {
     QSettings settings = UserSettings();
     settings.beginGroup(QStringLiteral("Settings/TermEditDlgControls"));
     QStringList recent;
@@ -82,12 +82,12 @@ QStringList PickerFixture::storedRecent() {
     return recent;
 }
 
-void PickerFixture::clearRecent() {
+void ClearRecent() {
     QSettings settings = UserSettings();
     settings.remove(QStringLiteral("Settings/TermEditDlgControls"));
 }
 
-void PickerFixture::clickItem(QListWidget& list, int row) {
+void ClickItem(QListWidget& list, int row) {
     list.doItemsLayout();
     QListWidgetItem* item = list.item(row);
     ASSERT_NE(item, nullptr) << row;
@@ -95,7 +95,7 @@ void PickerFixture::clickItem(QListWidget& list, int row) {
     QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(item).center());
 }
 
-void PickerFixture::doubleClickItem(QListWidget& list, int row) {
+void DoubleClickItem(QListWidget& list, int row) {
     list.doItemsLayout();
     QListWidgetItem* item = list.item(row);
     ASSERT_NE(item, nullptr) << row;
@@ -110,14 +110,14 @@ void PickerFixture::clickCategory(QDialog& picker, const QString& category) {
     auto* categories = FindControl<QListWidget>(&picker, CPickTerm::kIdCategories);
     const QList<QListWidgetItem*> found = categories->findItems(category, Qt::MatchExactly);
     ASSERT_EQ(found.size(), 1) << qPrintable(category);
-    clickItem(*categories, categories->row(found.first()));
+    ClickItem(*categories, categories->row(found.first()));
 }
 
 int PickerFixture::pickBlock(CPickTerm& picker, const QString& category, int row) {
     QueuedModalScript script;
     script.push([&](QDialog& d) {
         clickCategory(d, category);
-        clickItem(*FindControl<QListWidget>(&d, CPickTerm::kIdBlocks), row);
+        ClickItem(*FindControl<QListWidget>(&d, CPickTerm::kIdBlocks), row);
         return int(kIdOk);
     });
     return ModalRunner::Run(picker);

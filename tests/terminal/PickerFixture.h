@@ -15,6 +15,14 @@ class CPickTerm;
 class QDialog;
 class QListWidget;
 
+// The recent list as the user's settings file holds it, read and cleared without the
+// dialog.
+QStringList StoredRecent();
+void ClearRecent();
+// Clicks or double-clicks the item with that row of a list as the user would.
+void ClickItem(QListWidget& list, int row);
+void DoubleClickItem(QListWidget& list, int row);
+
 // The picker's world: a host whose support path holds the sample pictures, the
 // resource library, an empty recent list, and the blocks
 //    1 "Terminal"  Terminals  wide.bmp (40 x 20, red)
@@ -30,13 +38,6 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    // The recent list as the settings file holds it, read without the dialog.
-    static QStringList storedRecent();
-    static void clearRecent();
-
-    // Clicks or double-clicks the item with that row of a list as the user would.
-    static void clickItem(QListWidget& list, int row);
-    static void doubleClickItem(QListWidget& list, int row);
     // Selects the category line of the picker with a click.
     static void clickCategory(QDialog& picker, const QString& category);
     // Runs the picker with one step that picks a block of a category by its row and

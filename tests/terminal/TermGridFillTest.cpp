@@ -2,36 +2,18 @@
 #include "DialogControls.h"
 #include "GridFixture.h"
 #include "ModalRunner.h"
+#include "PickerFixture.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QSettings>
 #include <QTest>
 
 namespace {
 
 const QString kEditCells = QStringLiteral("Edit Cells...");
-
-QStringList StoredRecent() {
-    QSettings settings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("plcdb"),
-                       QStringLiteral("plcdb"));
-    settings.beginGroup(QStringLiteral("Settings/TermEditDlgControls"));
-    QStringList recent;
-    const int count = settings.value(QStringLiteral("RecentTermCount"), 0).toInt();
-    for (int i = 1; i <= count; ++i) {
-        recent.append(settings.value(QStringLiteral("Recent Terminal%1").arg(i)).toString());
-    }
-    return recent;
-}
-
-void ClearRecent() {
-    QSettings settings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("plcdb"),
-                       QStringLiteral("plcdb"));
-    settings.remove(QStringLiteral("Settings/TermEditDlgControls"));
-}
 
 // Which of the picker's parts are enabled: terminal, show, re-prompt, break, spacing.
 std::vector<bool> EnabledParts(QDialog& d) {
@@ -144,10 +126,7 @@ TEST_F(TermGridFillTest, OpeningOnACellPresetsItsTerminalAndAddsItToTheRecentLis
     EXPECT_EQ(m_module.GetTermText(2), QStringLiteral("HP?FUSE"));
 
     script.push([](QDialog& d) {
-        auto* blocks = FindControl<QListWidget>(&d, CPickTerm::kIdBlocks);
-        blocks->doItemsLayout();
-        QTest::mouseClick(blocks->viewport(), Qt::LeftButton, {},
-                          blocks->visualItemRect(blocks->item(2)).center());
+        ClickItem(*FindControl<QListWidget>(&d, CPickTerm::kIdBlocks), 2);
         PressOk(d);
         return 0;
     });

@@ -117,8 +117,8 @@ TEST_F(TermGridTest, EditsOfEveryColumnWriteThroughToTheModule) {
     QTest::keyClick(m_term, Qt::Key_F2);
     combo = qobject_cast<QComboBox*>(QApplication::focusWidget());
     ASSERT_NE(combo, nullptr);
-    combo->setCurrentIndex(1);
-    QTest::keyClick(combo, Qt::Key_Return);
+    // The next line picked from the list is taken at once.
+    QTest::keyClick(combo, Qt::Key_Down);
     settle();
     EXPECT_EQ(m_module.GetTermText(1), QStringLiteral("HP?FUSE"));
     ASSERT_EQ(m_changes.size(), 1u);
@@ -133,9 +133,13 @@ TEST_F(TermGridTest, EditsOfEveryColumnWriteThroughToTheModule) {
 
 TEST_F(TermGridTest, SpacingUsesTheLocaleSeparatorBothWaysAndClearedIsUnset) {
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    m_module.SetSpacingFactor(2, 0.123456);
     makeGrids();
     loadModule();
     EXPECT_EQ(m_term->GetCellValue(3, 5), QStringLiteral("1,5000"));
+    // Showing four decimals does not round what the row holds.
+    EXPECT_EQ(m_term->GetCellValue(2, 5), QStringLiteral("0,1235"));
+    EXPECT_EQ(m_module.GetSpacingFactor(2), 0.123456);
     typeIntoCell(*m_term, 1, 5, QStringLiteral("2,25"));
     EXPECT_EQ(m_module.GetSpacingFactor(1), 2.25);
     EXPECT_EQ(m_term->GetCellValue(1, 5), QStringLiteral("2,2500"));

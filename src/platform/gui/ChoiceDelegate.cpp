@@ -55,6 +55,12 @@ QWidget* ChoiceDelegate::createEditor(QWidget* parent, const QStyleOptionViewIte
     if (IsChoice(index)) {
         auto* combo = new QComboBox(parent);
         combo->addItems(Grid(index)->Choices(index.column() + 1));
+        // A line picked from the open list is the user's answer at once.
+        auto* self = const_cast<ChoiceDelegate*>(this);
+        connect(combo, &QComboBox::activated, self, [self, combo] {
+            emit self->commitData(combo);
+            emit self->closeEditor(combo);
+        });
         editor = combo;
     } else {
         editor = QStyledItemDelegate::createEditor(parent, option, index);

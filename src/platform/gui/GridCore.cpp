@@ -195,8 +195,10 @@ void GridCore::SaveLayout() const {
 
 int GridCore::ColWidth(int col) const {
     if (col == 0) {
-        return m_colWidths.value(0) > 0 ? m_colWidths.value(0)
-                                        : verticalHeader()->sizeHint().width();
+        // The row header column grows with the row numbers beyond its remembered width.
+        const QHeaderView* header = verticalHeader();
+        return qMax(m_colWidths.value(0),
+                    header->isVisible() ? header->width() : header->sizeHint().width());
     }
     if (m_model && col <= m_model->ColCount()) {
         return columnWidth(col - 1);
@@ -213,7 +215,7 @@ void GridCore::SetColWidth(int col, int width) {
     }
     m_colWidths[col] = width;
     if (col == 0) {
-        verticalHeader()->setFixedWidth(width);
+        verticalHeader()->setMinimumWidth(width);
     } else if (m_model && col <= m_model->ColCount()) {
         setColumnWidth(col - 1, width);
     }
