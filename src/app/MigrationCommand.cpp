@@ -2,15 +2,12 @@
 
 #include "HostBridge.h"
 #include "HostServices.h"
+#include "MigrationQuestion.h"
 #include "ResourceLibrary.h"
 #include "ZelDbMigrate.h"
 
 namespace {
 constexpr int kFileQuestionFlags = 128;
-}
-
-void ShowMigrationHelp() {
-    HostHelp(QString(), QStringLiteral("plc_database_migration_utility_dialog"), 0);
 }
 
 bool RunMigrationCommand() {

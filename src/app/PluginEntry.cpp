@@ -1,5 +1,6 @@
 #include "CMBApplet.h"
 #include "CommandDispatcher.h"
+#include "EditorCommand.h"
 #include "Export.h"
 #include "HostServices.h"
 #include "Messages.h"
@@ -42,6 +43,7 @@ extern "C" PLCDB_EXPORT HostApplet* zel_plugin_entry(int reason, HostServices* h
         Messages::SetSink(g_messageBoxes.get());
     }
     CommandDispatcher::SetSelectionRunner(&RunSelectionDialog);
+    CommandDispatcher::SetEditorRunner(&RunEditorDialog);
     g_applet = std::make_unique<CMBApplet>();
     return g_applet.get();
 }

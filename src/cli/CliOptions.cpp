@@ -28,8 +28,8 @@ const char* const kHostOptionsHelp =
     "  --precision N        decimals of numbers the host formats (PLCDB_PRECISION, 4)\n"
     "  --file PATH          the answer to the host's file questions\n"
     "  --plugin PATH        the plug-in to load (default: zel_mb beside plcdb)\n"
-    "  --db FILE            the database of the data commands (default: ZEL_PLC.MDB\n"
-    "                       found on the support path)\n";
+    "  --db FILE            the database (default: ZEL_PLC.MDB found on the support\n"
+    "                       path); the host answers its lookup of ZEL_PLC.MDB with FILE\n";
 
 }  // namespace
 
@@ -94,6 +94,7 @@ QString CliOptions::MainHelp() {
                "                 or, with --catalog, print the list without a dialog\n"
                "  blocks         show the terminal block list with the attributes of each\n"
                "                 block's drawing, or find a block in it\n"
+               "  edit           open the database editor\n"
                "\n"
                "Run 'plcdb COMMAND --help' for the details of a command.\n"
                "\n") +
@@ -175,6 +176,21 @@ QString CliOptions::CommandHelp(const QString& command) {
              "\n"
              "Exit status: 0 on success, 1 when the settings file is missing or cannot be\n"
              "read, 2 for a wrong call.\n")},
+        {QStringLiteral("edit"),
+         QStringLiteral(
+             "Usage: plcdb [--db FILE] edit\n"
+             "\n"
+             "Opens the database editor through the plug-in, as the drawing program's\n"
+             "commands c:zel_plcedit and c:ZLPLCDB do (plcdb call \"(c:zel_plcedit)\" is the\n"
+             "same). The tree on the left renames, deletes, copies and moves at once; the\n"
+             "terminal rows of the selected module are written on Save, or when you say\n"
+             "so on leaving it. Insert closes the editor and sends _.kv_inplc to the\n"
+             "command line, which the host shows as \"Command line: _.kv_inplc\\n\".\n"
+             "\n"
+             "With --db FILE the editor works on FILE, which must exist.\n"
+             "\n"
+             "Exit status: 0 when the editor ran, 1 when the database or the plug-in\n"
+             "cannot be found, 2 without a display or with an unknown argument.\n")},
         {QStringLiteral("init"),
          QStringLiteral("Usage: plcdb init FILE\n"
                         "\n"

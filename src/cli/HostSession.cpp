@@ -62,6 +62,7 @@ bool HostSession::configure(const CliOptions& options, StandaloneHostConfig& con
         config.linearPrecision = precision;
     }
     config.fileAnswer = CliOptions::FullPath(options.fileAnswer);
+    config.databaseFile = CliOptions::FullPath(options.database);
     return true;
 }
 

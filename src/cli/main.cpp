@@ -2,6 +2,7 @@
 #include "CallCommand.h"
 #include "CliOptions.h"
 #include "DataCommands.h"
+#include "EditCommand.h"
 #include "GuiHostUi.h"
 #include "HostSession.h"
 #include "Messages.h"
@@ -25,7 +26,8 @@ int Fail(const QString& text, int status) {
 }
 
 bool MayShowDialogs(const QString& command) {
-    return command == QStringLiteral("call") || command == QStringLiteral("select");
+    return command == QStringLiteral("call") || command == QStringLiteral("select") ||
+           command == QStringLiteral("edit");
 }
 
 // A QApplication for the commands that may show dialogs. Where no display can be
@@ -109,6 +111,8 @@ int main(int argc, char** argv) {
     int status = 0;
     if (options.command == QStringLiteral("select")) {
         status = RunSelectCommand(options, hasDisplay ? &screen : nullptr);
+    } else if (options.command == QStringLiteral("edit")) {
+        status = RunEditCommand(options, hasDisplay ? &screen : nullptr);
     } else {
         HostSession session;
         if (!session.start(options, &error)) {

@@ -1,6 +1,7 @@
 #include "HostBridge.h"
 
 #include "HostServices.h"
+#include "Messages.h"
 #include "ResourceLibrary.h"
 #include "ZelUtils.h"
 
@@ -84,6 +85,26 @@ int DeclareLispFunction(const QString& name) {
     // The host's evaluator takes the text from a buffer of 128 characters.
     const QString text = QStringLiteral("(ql-drafton-defun '%1)").arg(name).left(127);
     return EvalLisp(text);
+}
+
+int HostTaskDialog(const QString& source, const QString& name) {
+    struct TaskDialog {
+        const char* source;
+        const char* name;
+        int message;
+    };
+    static const TaskDialog kKnown[] = {
+        {"/ZelTaskDialogsRes;component/TaskDialogs.xaml", "ZelPLCDatabase.AdditionalFieldRequired",
+         10126},
+    };
+    constexpr int kCaption = 5000;
+    for (const TaskDialog& known : kKnown) {
+        if (source == QLatin1String(known.source) && name == QLatin1String(known.name)) {
+            return Messages::Show(known.message, {}, MsgButtons::YesNo, MsgIcon::Question,
+                                  kCaption);
+        }
+    }
+    return -1;
 }
 
 bool FindDatabaseFile(QString& out) {

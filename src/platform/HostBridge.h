@@ -23,6 +23,11 @@ int EvalLisp(const QString& text, HostValue* result = nullptr);
 // Makes a Lisp function callable through HostInvoke.
 int DeclareLispFunction(const QString& name);
 
+// One of the family's task dialogs, named by its resource source and name, asked as a
+// Yes/No question through the message seam. Its answer (kIdYes, kIdNo), or -1 when the
+// dialog is not known, which counts as not yes.
+int HostTaskDialog(const QString& source, const QString& name);
+
 // The database file "ZEL_PLC.MDB" on the host's search path, reported when missing.
 bool FindDatabaseFile(QString& out);
 // The folders of "GBL_kv_lib", split at ";", trimmed, in native form.

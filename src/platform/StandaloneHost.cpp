@@ -1,5 +1,6 @@
 #include "StandaloneHost.h"
 
+#include "HostBridge.h"
 #include "ZelUtils.h"
 
 #include <QDir>
@@ -64,6 +65,18 @@ QString StandaloneHost::searchFolders(const QString& name, const QStringList& fo
     return QString();
 }
 
+QString StandaloneHost::searchSupportPath(const QString& name) const {
+    if (!m_config.databaseFile.isEmpty() &&
+        QFileInfo(NativePath(name))
+                .fileName()
+                .compare(QString::fromLatin1(kDatabaseFileName), Qt::CaseInsensitive) == 0) {
+        // A given database that is missing is not replaced by another one on the path.
+        const QFileInfo given(m_config.databaseFile);
+        return given.isFile() ? QDir::toNativeSeparators(given.absoluteFilePath()) : QString();
+    }
+    return searchFolders(name, m_config.supportPath);
+}
+
 void StandaloneHost::defineFamilyFunctions() {
     defineLispFunction(QStringLiteral("kv_fio_does_file_exist"),
                        [this](const HostValue& args, HostValue& result) {
@@ -71,7 +84,7 @@ void StandaloneHost::defineFamilyFunctions() {
                            if (!name) {
                                return false;
                            }
-                           AnswerPath(result, searchFolders(*name, m_config.supportPath));
+                           AnswerPath(result, searchSupportPath(*name));
                            return true;
                        });
     defineLispFunction(QStringLiteral("kv_fio_does_file_exist_error"),
@@ -248,7 +261,7 @@ int StandaloneHost::evaluate(const HostValue& args, HostValue* result) {
 }
 
 int StandaloneHost::findFile(const QString& name, QString& found) {
-    const QString path = searchFolders(name, m_config.supportPath);
+    const QString path = searchSupportPath(name);
     if (path.isEmpty()) {
         return kHostErrorResult;
     }

@@ -68,6 +68,8 @@ private:
     void defineFamilyFunctions();
     int evaluate(const HostValue& args, HostValue* result);
     QString searchFolders(const QString& name, const QStringList& folders) const;
+    // A support file: the database file the host was given, else the support path.
+    QString searchSupportPath(const QString& name) const;
     void report(const QString& text) const;
 
     StandaloneHostConfig m_config;

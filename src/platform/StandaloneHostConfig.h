@@ -16,6 +16,7 @@ struct StandaloneHostConfig {
     QMap<QString, QString> variables;  // further variables, by upper-case name
     QMap<QString, QString> messages;   // translations of "c:kv_msg", by key
     QString fileAnswer;                // the answer to every file question, when set
+    QString databaseFile;              // the answer to the lookup of "ZEL_PLC.MDB", when set
 
     // Reads the file; a missing file leaves the defaults. False and a reason in error
     // when the file exists but cannot be read.

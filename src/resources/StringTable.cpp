@@ -167,6 +167,11 @@ constexpr Entry kTable[] = {
     // Database migration command: file dialog title and the database file's extension.
     {10124, u"Select the PLC Database to Migrate"},
     {10125, u"MDB"},
+
+    // The family's task dialog "ZelPLCDatabase.AdditionalFieldRequired", as a question.
+    {10126, u"This PLC database was made by an older version and lacks fields that the "
+            u"module dialogs need.\nUpgrade the database now? A backup copy of the file is "
+            u"kept beside it."},
 };
 // clang-format on
 

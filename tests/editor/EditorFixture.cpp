@@ -17,13 +17,15 @@ void EditorFixture::SetUp() {
 void EditorFixture::startHost(int precision) {
     StandaloneHostConfig config;
     config.supportPath = {m_dir.path(), BuildPath(QStringLiteral("sample"))};
+    config.kvLib = BuildPath(QStringLiteral("sample/blocks"));
     config.linearPrecision = precision;
     m_host = std::make_unique<StandaloneHost>(config);
     m_host->setReporter([](const QString&) {});
     m_host->openDocument();
     SetCurrentHost(m_host.get());
     for (const char* name :
-         {"kv_fio_does_file_exist", "kv_fio_does_file_exist_error", "zel_get_var"}) {
+         {"kv_fio_does_file_exist", "kv_fio_does_file_exist_error", "zel_get_var",
+          "kv_fio_does_block_exist_disk", "kv_fio_block_path_failed_msg"}) {
         DeclareLispFunction(QString::fromLatin1(name));
     }
 }

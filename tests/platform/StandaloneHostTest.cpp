@@ -1,8 +1,11 @@
+#include "HostBridge.h"
+#include "HostServices.h"
 #include "LispText.h"
 #include "StandaloneHost.h"
 #include "TestSupport.h"
 #include "ZelUtils.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -85,4 +88,39 @@ TEST(StandaloneHost, FileQuestionsTakeTheGivenAnswerElseTheDefault) {
     EXPECT_EQ(answering.getFileNavDialog(QString(), QStringLiteral("x"), QString(), 0, chosen),
               kHostOk);
     EXPECT_EQ(chosen, NativePath("/other/OLD.MDB"));
+}
+
+TEST(StandaloneHost, AGivenDatabaseAnswersItsLookupAndNoOtherFileStandsInForIt) {
+    QTemporaryDir dir;
+    for (const char* name : {"ZEL_PLC.MDB", "given.mdb", "kvmbblks.bsf"}) {
+        QFile file(dir.filePath(QString::fromLatin1(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    const auto lookup = [&dir](const QString& databaseFile, const QString& name) {
+        StandaloneHostConfig config;
+        config.supportPath = {dir.path()};
+        config.databaseFile = databaseFile;
+        StandaloneHost host(config);
+        host.setReporter([](const QString&) {});
+        host.openDocument();
+        SetCurrentHost(&host);
+        DeclareLispFunction(QStringLiteral("kv_fio_does_file_exist"));
+        DeclareLispFunction(QStringLiteral("kv_fio_does_file_exist_error"));
+        QString found;
+        const bool lisp = FindSupportFile(name, found, true);
+        QString searched;
+        const bool direct = host.findFile(name, searched) == kHostOk;
+        SetCurrentHost(nullptr);
+        EXPECT_EQ(lisp, direct);
+        EXPECT_EQ(found, searched);
+        return lisp ? found : QStringLiteral("<none>");
+    };
+    const QString given = dir.filePath(QStringLiteral("given.mdb"));
+    EXPECT_EQ(lookup(QString(), QStringLiteral("ZEL_PLC.MDB")),
+              QDir::toNativeSeparators(dir.filePath(QStringLiteral("ZEL_PLC.MDB"))));
+    EXPECT_EQ(lookup(given, QStringLiteral("zel_plc.mdb")), QDir::toNativeSeparators(given));
+    EXPECT_EQ(lookup(given, QStringLiteral("kvmbblks.bsf")),
+              QDir::toNativeSeparators(dir.filePath(QStringLiteral("kvmbblks.bsf"))));
+    EXPECT_EQ(lookup(dir.filePath(QStringLiteral("missing.mdb")), QStringLiteral("ZEL_PLC.MDB")),
+              QStringLiteral("<none>"));
 }

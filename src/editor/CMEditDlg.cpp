@@ -1,0 +1,373 @@
+#include "CMEditDlg.h"
+
+#include "BlockSettingsFolder.h"
+#include "CAttribGridWnd.h"
+#include "CModuleTree.h"
+#include "CPathLabel.h"
+#include "CTermGridWnd.h"
+#include "CrtNumbers.h"
+#include "DialogControls.h"
+#include "HostBridge.h"
+#include "HostServices.h"
+#include "Messages.h"
+#include "MigrationQuestion.h"
+#include "ResourceLibrary.h"
+#include "ZelDbMigrate.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int kCaption = 5000;
+
+// The check's first-time flag: nothing in this program ever sets it.
+constexpr bool kFirstMigrationCheck = false;
+
+QPushButton* MakeButton(QWidget* parent, const QString& text, int id) {
+    auto* button = new QPushButton(text, parent);
+    SetControlId(button, id);
+    // Return belongs to the dialog's own handling, never to a default button.
+    button->setAutoDefault(false);
+    return button;
+}
+
+}  // namespace
+
+CMEditDlg::CMEditDlg(QWidget* parent) : QDialog(parent) {
+    BuildControls();
+}
+
+CMEditDlg::~CMEditDlg() {
+    if (m_db.IsOpen()) {
+        m_db.Close();
+    }
+}
+
+void CMEditDlg::BuildControls() {
+    setWindowTitle(LoadResString(kCaption));
+    m_tree = new CModuleTree(this);
+    SetControlId(m_tree, kIdTree);
+    m_tree->setMinimumWidth(ScaledX(220));
+    m_stcDbPath = new CPathLabel(this);
+    SetControlId(m_stcDbPath, kIdDbPath);
+    m_stcTable = new QLabel(this);
+    SetControlId(m_stcTable, kIdTable);
+    m_termGrid = new CTermGridWnd(this);
+    SetControlId(m_termGrid, kIdTermGrid);
+    m_attribGrid = new CAttribGridWnd(this);
+    SetControlId(m_attribGrid, kIdAttribGrid);
+    // The grids reach the open module on each use; it changes with the selection.
+    const auto module = [this] { return GetCurrentModule(); };
+    m_termGrid->SetModuleSource(module);
+    m_attribGrid->SetModuleSource(module);
+
+    m_btnInsert = MakeButton(this, tr("Insert"), kIdInsert);
+    m_btnDone = MakeButton(this, tr("Done"), kIdDone);
+    m_btnNewModule = MakeButton(this, tr("New Module..."), kIdNewModule);
+    m_btnEditSpecs = MakeButton(this, tr("Edit Specs..."), kIdEditSpecs);
+    m_btnStyleBox = MakeButton(this, tr("Style Box..."), kIdStyleBox);
+    m_btnSave = MakeButton(this, tr("Save"), kIdSave);
+    m_btnBlockDefs = MakeButton(this, tr("Block Definitions..."), kIdBlockDefs);
+    m_btnHelp = MakeButton(this, tr("Help"), kIdHelp);
+    // The new-module, specification, style box and block definition dialogs come
+    // later; until then their buttons stay off.
+    for (QPushButton* later : {m_btnNewModule, m_btnEditSpecs, m_btnStyleBox, m_btnBlockDefs}) {
+        later->setEnabled(false);
+    }
+
+    auto* right = new QVBoxLayout;
+    right->addWidget(m_stcTable);
+    right->addWidget(m_termGrid, 3);
+    right->addWidget(m_attribGrid, 1);
+    right->addWidget(m_stcDbPath);
+    auto* buttons = new QVBoxLayout;
+    for (QPushButton* button : {m_btnInsert, m_btnDone, m_btnSave, m_btnNewModule, m_btnEditSpecs,
+                                m_btnStyleBox, m_btnBlockDefs, m_btnHelp}) {
+        buttons->addWidget(button);
+    }
+    buttons->addStretch(1);
+    auto* layout = new QHBoxLayout(this);
+    layout->addWidget(m_tree);
+    layout->addLayout(right, 1);
+    layout->addLayout(buttons);
+
+    connect(m_btnInsert, &QPushButton::clicked, this, &CMEditDlg::OnInsert);
+    connect(m_btnDone, &QPushButton::clicked, this, &CMEditDlg::OnDone);
+    connect(m_btnSave, &QPushButton::clicked, this, [this] { OnSave(); });
+    connect(m_btnHelp, &QPushButton::clicked, this, &CMEditDlg::ShowHelp);
+    connect(m_termGrid, &CTermGridWnd::termRowChange, this,
+            [this](int blockIndex, const _rowchange& change) { OnRowChange(blockIndex, &change); });
+    connect(m_termGrid, &CTermGridWnd::modifiedFlagChanged, this, &CMEditDlg::UpdateSaveButton);
+    connect(m_attribGrid, &CAttribGridWnd::modifiedFlagChanged, this, &CMEditDlg::UpdateSaveButton);
+    m_tree->selectionChanging = [this](QTreeWidgetItem* item) { return OnSelChanging(item); };
+    m_tree->pasteApproval = [this](bool bMove) { return OnPasteApproval(bMove); };
+    connect(m_tree, &CModuleTree::moduleSelectionChanged, this, &CMEditDlg::OnSelChanged);
+    connect(m_tree, &CModuleTree::catalogRenamed, this, &CMEditDlg::OnCatalogRenamed);
+    connect(m_tree, &CModuleTree::selectionDeleting, this, &CMEditDlg::OnSelectionDeleting);
+    // New on a type or catalog opens the new-module dialog, which comes later.
+}
+
+void CMEditDlg::SetDbPath(const QString& path) {
+    if (!path.isNull()) {
+        m_strDbPath = path;
+    }
+}
+
+CKVModule* CMEditDlg::GetCurrentModule() {
+    bool found = false;
+    CKVModule& module = m_db.GetModule(m_nHandle, &found);
+    return found ? &module : nullptr;
+}
+
+void CMEditDlg::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (!m_bInited && !OnInitDialog()) {
+        // Cancelled from inside the start-up: leave once the dialog's loop runs. Only
+        // this way out ends without OK.
+        QTimer::singleShot(0, this, [this] { QDialog::reject(); });
+    }
+}
+
+bool CMEditDlg::OnInitDialog() {
+    m_bInited = true;
+    if (m_strDbPath.isEmpty()) {
+        // A miss is reported by the host's Lisp side.
+        FindDatabaseFile(m_strDbPath);
+    }
+    if (m_strDbPath.isEmpty()) {
+        return false;
+    }
+    m_btnEditSpecs->setEnabled(false);
+    m_stcDbPath->SetPath(m_strDbPath);
+
+    m_tree->SetDatabasePath(m_strDbPath);
+    m_tree->SetEditMode(true);
+    const int filled = m_tree->FillTree();
+    if (filled == CModuleTree::kCannotOpen) {
+        Messages::Show(5003, {m_strDbPath}, MsgButtons::Ok, MsgIcon::Error, kCaption);
+    }
+    if (filled != CModuleTree::kFilled) {
+        return false;
+    }
+    ReadBlockList();
+    m_tree->RestoreMru();
+    m_bInsert = false;
+    m_btnSave->setEnabled(false);
+    return true;
+}
+
+void CMEditDlg::ReadBlockList() {
+    m_strBlockDir = BlockSettingsFolder::Find(true);
+    m_blockDesc.SetDirectory(m_strBlockDir);
+    m_blockDesc.GetBlockList(false);
+    m_termGrid->SetBlockDesc(&m_blockDesc);
+    m_termGrid->Initialize();
+    m_attribGrid->Initialize();
+}
+
+void CMEditDlg::accept() {
+    if (m_tree->IsEditingLabel()) {
+        m_tree->EndLabelEdit();
+        return;
+    }
+    OnDone();
+}
+
+void CMEditDlg::reject() {
+    if (m_tree->IsEditingLabel()) {
+        m_tree->CancelLabelEdit();
+        return;
+    }
+    OnDone();
+}
+
+void CMEditDlg::OnDone() {
+    if (!PromptToSave(true)) {
+        return;
+    }
+    m_tree->SaveMru();
+    QDialog::accept();
+}
+
+void CMEditDlg::OnInsert() {
+    // Stays set when the user stays, so that a later close inserts.
+    m_bInsert = true;
+    OnDone();
+}
+
+bool CMEditDlg::IsAnythingUnsaved() const {
+    return m_bRowsDirty || m_bSpecDirty || m_attribGrid->IsModified() || m_termGrid->IsModified();
+}
+
+void CMEditDlg::UpdateSaveButton() {
+    m_btnSave->setEnabled(IsAnythingUnsaved());
+}
+
+void CMEditDlg::MarkSpecChanged() {
+    m_bSpecDirty = true;
+    UpdateSaveButton();
+}
+
+void CMEditDlg::ClearGridFlags() {
+    // Each clear tells the dialog, posted, which refreshes the Save button.
+    m_termGrid->SetModifiedFlag(0);
+    m_attribGrid->SetModifiedFlag(0);
+}
+
+void CMEditDlg::ClearFlags() {
+    m_bRowsDirty = false;
+    m_bSpecDirty = false;
+    ClearGridFlags();
+}
+
+bool CMEditDlg::PromptToSave(bool bCanCancel) {
+    if (!IsAnythingUnsaved()) {
+        return true;
+    }
+    const int answer =
+        Messages::Show(4012, {}, bCanCancel ? MsgButtons::YesNoCancel : MsgButtons::YesNo,
+                       MsgIcon::Question, kCaption);
+    if (answer == kIdCancel) {
+        return false;
+    }
+    if (answer == kIdYes) {
+        OnSave();
+    }
+    if (!bCanCancel) {
+        ClearFlags();
+    }
+    return true;
+}
+
+bool CMEditDlg::OnSave() {
+    // The attribute grid stores what it shows before the module is written.
+    const int row = m_termGrid->CurrentRow();
+    const int blockIndex =
+        int(crt::wtol(m_termGrid->GetCellValue(row, CTermGridWnd::ColumnTerminal)));
+    const _rowchange change{row, row, true};
+    OnRowChange(blockIndex, &change);
+    const bool saved = m_db.SaveModule(m_nHandle);
+    if (saved) {
+        ClearFlags();
+    }
+    UpdateSaveButton();
+    return saved;
+}
+
+bool CMEditDlg::OnSelChanging(QTreeWidgetItem* item) {
+    if (!PromptToSave(true)) {
+        return false;
+    }
+    m_attribGrid->SetModifiedFlag(0);
+    m_bRowsDirty = false;
+    QString table;
+    if (!m_tree->GetTableOfItem(table, item)) {
+        return true;
+    }
+    bool bRequired = true;
+    CheckForMigration(m_strDbPath, bRequired, kFirstMigrationCheck, table);
+    if (!bRequired) {
+        return true;
+    }
+    return AskToMigrate(m_strDbPath);
+}
+
+void CMEditDlg::OnSelChanged(QTreeWidgetItem* item) {
+    if (CModuleTree::ItemData(item) == 0) {
+        // A new item that has no name yet.
+        m_bModuleLoaded = false;
+    } else {
+        if (m_nHandle != -1) {
+            m_db.ReleaseModule(m_nHandle);
+            m_nHandle = -1;
+        }
+        m_bModuleLoaded = false;
+        QString table, text;
+        if (m_tree->GetSelectedTable(table, text) && (m_db.IsOpen() || m_db.Open(m_strDbPath))) {
+            // At type level the text is the type's name, and nothing is found.
+            m_nHandle = m_db.LoadModule(table, text, false);
+            m_bModuleLoaded = m_nHandle != -1;
+        }
+    }
+    m_termGrid->LoadModule(m_bModuleLoaded ? m_nHandle : -1);
+    QString table;
+    m_stcTable->setText(m_tree->GetTableOfItem(table) ? Messages::Format(4020, {table})
+                                                      : QString());
+    // Edit Specs would follow m_bModuleLoaded; it stays off until its dialog exists.
+    ClearFlags();
+    UpdateSaveButton();
+}
+
+int CMEditDlg::OnPasteApproval(bool bMove) {
+    if (!PromptToSave(true)) {
+        return 0;
+    }
+    if (bMove) {
+        // The move selects the pasted module; what stood unsaved is given up.
+        ClearFlags();
+        UpdateSaveButton();
+    }
+    return 1;
+}
+
+void CMEditDlg::OnCatalogRenamed() {
+    QString table, text;
+    if (!m_tree->GetSelectedTable(table, text)) {
+        return;
+    }
+    if (CKVModule* module = GetCurrentModule()) {
+        module->SetCatalog(text);
+    }
+}
+
+void CMEditDlg::OnSelectionDeleting() {
+    // The rows go with the module; a changed specification is still asked about.
+    m_bRowsDirty = false;
+    ClearGridFlags();
+}
+
+void CMEditDlg::OnRowChange(int blockIndex, const _rowchange* change) {
+    if (!change) {
+        return;
+    }
+    m_attribGrid->SetBlockDesc(&m_blockDesc);
+    if (m_bModuleLoaded) {
+        m_attribGrid->SetModuleHandle(m_nHandle);
+        // Moved into the dialog's flag before the grid stores the values and forgets
+        // them, so that they still count as unsaved.
+        if (m_attribGrid->IsModified()) {
+            m_bRowsDirty = true;
+            m_attribGrid->SetModifiedFlag(0);
+        }
+    } else {
+        m_attribGrid->SetModuleHandle(-1);
+        m_attribGrid->SetSkipSave(true);
+    }
+    m_attribGrid->OnTermRowChange(blockIndex, change);
+    UpdateSaveButton();
+}
+
+void CMEditDlg::ShowHelp() {
+    HostHelp(QString(), QStringLiteral("plc_dbeditor"), 0);
+}
+
+void CMEditDlg::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+        case Qt::Key_F1:
+            ShowHelp();
+            event->accept();
+            return;
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            accept();
+            event->accept();
+            return;
+        default:
+            QDialog::keyPressEvent(event);
+    }
+}

@@ -1,0 +1,117 @@
+#pragma once
+
+#include "CBlockDescEx.h"
+#include "CKVModuleDB.h"
+#include "TermRowChange.h"
+
+#include <QDialog>
+
+class CAttribGridWnd;
+class CModuleTree;
+class CTermGridWnd;
+class CPathLabel;
+class QLabel;
+class QPushButton;
+class QTreeWidgetItem;
+
+// The database editor: the module tree in edit mode on the left, the terminal rows of
+// the module selected in it on the right. It holds at most one module open in its own
+// store object and writes it back only on Save or when the user says so on leaving it.
+// Every way out ends with OK, so the caller reads GetInsertRequested afterwards.
+class CMEditDlg : public QDialog {
+    Q_OBJECT
+
+public:
+    enum Control {
+        kIdOk = 1,
+        kIdTree = 200,
+        kIdHelp = 203,
+        kIdBlockDefs = 209,
+        kIdTermGrid = 210,
+        kIdAttribGrid = 211,
+        kIdInsert = 212,
+        kIdDone = 213,
+        kIdNewModule = 214,
+        kIdEditSpecs = 215,
+        kIdStyleBox = 216,
+        kIdSave = 217,
+        kIdDbPath = 243,
+        kIdTable = 244,
+    };
+
+    explicit CMEditDlg(QWidget* parent = nullptr);
+    ~CMEditDlg() override;
+
+    // Set before the dialog runs; empty: the host's "ZEL_PLC.MDB". A null text is refused.
+    void SetDbPath(const QString& path);
+    bool GetInsertRequested() const { return m_bInsert; }
+    // The open module, for the grids; null when none is loaded.
+    CKVModule* GetCurrentModule();
+
+    // Start-up: false when the dialog cannot run (no database); it then cancels.
+    bool OnInitDialog();
+    // Return and the cancel key: during a label edit they end it, else they close.
+    void accept() override;
+    void reject() override;
+    void OnDone();
+    void OnInsert();
+    bool OnSave();
+    // Asks message 4012 when something is unsaved; false when the user cancels.
+    bool PromptToSave(bool bCanCancel);
+    void UpdateSaveButton();
+    // The specification of the open module was changed (its dialog's OK).
+    void MarkSpecChanged();
+
+    // The terminal grid's row change and the flush before a save: the attribute grid
+    // stores what it shows into the row left and shows the new row.
+    void OnRowChange(int blockIndex, const _rowchange* change);
+
+    CModuleTree& Tree() { return *m_tree; }
+    CTermGridWnd& TermGrid() { return *m_termGrid; }
+    CAttribGridWnd& AttribGrid() { return *m_attribGrid; }
+    bool IsModuleLoaded() const { return m_bModuleLoaded; }
+    bool IsRowsDirty() const { return m_bRowsDirty; }
+    bool IsSpecDirty() const { return m_bSpecDirty; }
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void BuildControls();
+    void ReadBlockList();
+    bool OnSelChanging(QTreeWidgetItem* item);
+    void OnSelChanged(QTreeWidgetItem* item);
+    int OnPasteApproval(bool bMove);
+    void OnCatalogRenamed();
+    void OnSelectionDeleting();
+    bool IsAnythingUnsaved() const;
+    void ClearFlags();
+    void ClearGridFlags();
+    void ShowHelp();
+
+    CModuleTree* m_tree;
+    CTermGridWnd* m_termGrid;
+    CAttribGridWnd* m_attribGrid;
+    QPushButton* m_btnInsert;
+    QPushButton* m_btnDone;
+    QPushButton* m_btnNewModule;
+    QPushButton* m_btnEditSpecs;
+    QPushButton* m_btnStyleBox;
+    QPushButton* m_btnSave;
+    QPushButton* m_btnBlockDefs;
+    QPushButton* m_btnHelp;
+    CPathLabel* m_stcDbPath;
+    QLabel* m_stcTable;
+
+    QString m_strDbPath = QStringLiteral("");
+    CBlockDescEx m_blockDesc;
+    QString m_strBlockDir = QStringLiteral("");
+    bool m_bInsert = false;
+    CKVModuleDB m_db;
+    bool m_bModuleLoaded = false;
+    int m_nHandle = -1;
+    bool m_bRowsDirty = false;
+    bool m_bSpecDirty = false;
+    bool m_bInited = false;
+};
