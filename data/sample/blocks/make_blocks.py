@@ -31,8 +31,8 @@ BLOCKS = [
         att("DESC", "Description", 0.30, -0.12, flags=1),
         att("LINE1", "First line", 1.60, 0.15, paper="entities", hmode=2),
         att("LINE2", "Second line", 1.60, 0.02, paper="entities", hmode=2),
-        att("%%1PROMPT", "", 2.20, 0.15, flags=1),
-        att("%%2PROMPT", "", 2.20, 0.02, flags=1),
+        att("RACK", "", 2.20, 0.15, flags=1),
+        att("SLOT", "", 2.20, 0.02, flags=1),
     ], (64, 24)),
     ("HP1COM.SHT", "Power", "Common", "hpcom.bmp", False, "COM", [
         att("TERM_", "Terminal number", 0.05, 0.09, hmode=1, vmode=2),
