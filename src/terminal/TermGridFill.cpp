@@ -71,11 +71,14 @@ void TermGridFill::EditSelection(const GridRangeList& ranges) {
     if (ModalRunner::Run(picker) != kIdOk) {
         return;
     }
+    // What one OK of the picker wrote is undone as one step.
+    m_grid.UndoStack().beginMacro(QStringLiteral("Edit Cells"));
     for (int col = 1; col <= CTermGridWnd::ColumnCount; ++col) {
         if (inPlay[col]) {
             ApplyPicked(picker, col, &ranges);
         }
     }
+    m_grid.UndoStack().endMacro();
 }
 
 void TermGridFill::EditSingleCell(int row, int col) {
@@ -95,7 +98,9 @@ void TermGridFill::EditSingleCell(int row, int col) {
         return;
     }
     const GridRangeList none;
+    m_grid.UndoStack().beginMacro(QStringLiteral("Edit Cells"));
     ApplyPicked(picker, col, col == CTermGridWnd::ColumnTerminal ? nullptr : &none);
+    m_grid.UndoStack().endMacro();
 }
 
 void TermGridFill::Preset(CPickTerm& picker, int col, const QString& cellValue) const {

@@ -50,7 +50,9 @@ protected:
     }
 };
 
-TEST_F(TermGridFillTest, AFillOverSeveralRowsWritesOneColumnAndNotifiesOnce) {
+TEST_F(TermGridFillTest, AFillOverSeveralRowsWritesOneColumnNotifiesOnceAndUndoesAsOneStep) {
+    const QStringList specialsBefore = {m_module.GetTermSpecial(1), m_module.GetTermSpecial(2),
+                                        m_module.GetTermSpecial(3)};
     clickCell(*m_term, 1, 2);
     clickCell(*m_term, 3, 2, Qt::ShiftModifier);
     m_changes.clear();
@@ -75,6 +77,12 @@ TEST_F(TermGridFillTest, AFillOverSeveralRowsWritesOneColumnAndNotifiesOnce) {
     EXPECT_EQ(m_module.GetTermText(3), QStringLiteral("XP2SPACE"));
     EXPECT_EQ(savingNotices(), 1);
     EXPECT_TRUE(m_term->IsModified());
+
+    // One Ctrl+Z takes back the whole fill, not only its last cell.
+    pressKey(*m_term, Qt::Key_Z, Qt::ControlModifier);
+    for (int row = 1; row <= 3; ++row) {
+        EXPECT_EQ(m_module.GetTermSpecial(row), specialsBefore[row - 1]) << row;
+    }
 }
 
 TEST_F(TermGridFillTest, ARightClickOutsideTheSelectionClearsItAndEditsTheClickedColumnOnly) {
