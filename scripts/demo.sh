@@ -33,3 +33,5 @@ show call '(zel_delay 1)'
 # An integer where the style text belongs: the selection answers nil at once.
 show call "(zel_mbsel '(0 \"\" nil 5 \"V\" 1.0 nil \"\" nil))"
 show call '(no_such_function)'
+# The database editor needs a display; this is how to open it on the sample.
+echo "To edit the sample catalog: $plcdb --db $sample edit"
