@@ -38,22 +38,6 @@ void CAttribGridWnd::Initialize() {
     SetModifiedFlag(0);
 }
 
-void CAttribGridWnd::SetModifiedFlag(int flag) {
-    m_bModified = flag;
-    // The receiver only reads the flag again, so one pending notice serves all calls.
-    if (m_bPostPending) {
-        return;
-    }
-    m_bPostPending = true;
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            m_bPostPending = false;
-            emit modifiedFlagChanged();
-        },
-        Qt::QueuedConnection);
-}
-
 void CAttribGridWnd::OnModifyCell(int /*row*/, int /*col*/) {
     SetModifiedFlag(1);
 }

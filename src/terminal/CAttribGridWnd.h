@@ -28,17 +28,11 @@ public:
     AttribGridModel* Model() const { return m_model; }
 
     void Initialize();
-    bool IsModified() const { return m_bModified != 0; }
-    // Stores the flag and tells modifiedFlagChanged, queued, on every call.
-    void SetModifiedFlag(int flag);
 
     // blockIndex: the one-based block of the row now current. Saves the shown values
     // into change->nPrevRow when asked, then shows the attributes of the block with the
     // values of change->nNewRow. A null change does nothing.
     void OnTermRowChange(int blockIndex, const _rowchange* change);
-
-signals:
-    void modifiedFlagChanged();
 
 protected:
     void OnModifyCell(int row, int col) override;
@@ -51,8 +45,6 @@ private:
     AttribGridModel* m_model;
     std::function<CKVModule*()> m_source;
     CBlockDescEx* m_pBlockDesc = nullptr;
-    int m_bModified = 0;
-    bool m_bPostPending = false;
     int m_nModuleHandle = -1;
     // Nothing has been shown before the first row change, so it saves nothing.
     bool m_bSkipSave = true;

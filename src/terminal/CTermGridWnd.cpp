@@ -122,22 +122,6 @@ void CTermGridWnd::LoadModule(int nHandle) {
     }
 }
 
-void CTermGridWnd::SetModifiedFlag(int flag) {
-    m_bModified = flag;
-    // The receiver only reads the flag again, so one pending notice serves all calls.
-    if (m_bPostPending) {
-        return;
-    }
-    m_bPostPending = true;
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            m_bPostPending = false;
-            emit modifiedFlagChanged();
-        },
-        Qt::QueuedConnection);
-}
-
 QString CTermGridWnd::GetCellValue(int row, int col) const {
     return CellText(row, col);
 }

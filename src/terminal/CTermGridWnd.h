@@ -51,10 +51,6 @@ public:
     void LoadModule(int nHandle);
     int ModuleHandle() const { return m_nModuleHandle; }
 
-    bool IsModified() const { return m_bModified != 0; }
-    // Stores the flag and tells modifiedFlagChanged, queued, on every call.
-    void SetModifiedFlag(int flag);
-
     // The value of a cell, rows and columns from 1: the open editor's when it is being
     // edited, else the module's.
     QString GetCellValue(int row, int col) const;
@@ -81,8 +77,6 @@ public:
 signals:
     // The current row changed, or the row's values were written (sent, not posted).
     void termRowChange(int blockIndex, const _rowchange& change);
-    // The modified flag was set or cleared (posted).
-    void modifiedFlagChanged();
 
 protected:
     bool OnEditCell(int row, int col, const QString& value) override;
@@ -102,8 +96,6 @@ private:
 
     TermGridModel* m_model;
     CBlockDescEx* m_pBlockDesc = nullptr;
-    int m_bModified = 0;
-    bool m_bPostPending = false;
     int m_nContextRow = -1;
     int m_nContextCol = -1;
     int m_nModuleHandle = -1;

@@ -6,6 +6,7 @@
 #include "CatalogDocument.h"
 #include "DialogControls.h"
 #include "EditorFixture.h"
+#include "MenuChooser.h"
 #include "ModalRunner.h"
 #include "ResourceLibrary.h"
 #include "ZelDbMigrate.h"
@@ -112,31 +113,11 @@ protected:
     // Right-clicks a cell of the terminal grid and chooses entry from its menu.
     void contextCommand(int row, int col, const QString& entry) {
         CTermGridWnd& grid = m_dialog->TermGrid();
-        bool clicked = false;
-        QTimer waitForMenu;
-        waitForMenu.setInterval(0);
-        QObject::connect(&waitForMenu, &QTimer::timeout, [&] {
-            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-            if (!menu) {
-                return;
-            }
-            waitForMenu.stop();
-            for (QAction* action : menu->actions()) {
-                if (action->text() == entry && action->isEnabled()) {
-                    QTest::mouseClick(menu, Qt::LeftButton, {},
-                                      menu->actionGeometry(action).center());
-                    clicked = true;
-                    return;
-                }
-            }
-            menu->close();
-        });
-        waitForMenu.start();
         const QPoint cell = grid.visualRect(grid.model()->index(row - 1, col - 1)).center();
-        QTest::mouseClick(m_dialog->windowHandle(), Qt::RightButton, {},
-                          grid.viewport()->mapTo(m_dialog.get(), cell));
-        waitForMenu.stop();
-        EXPECT_TRUE(clicked) << qPrintable(entry);
+        EXPECT_TRUE(ChooseMenuEntry(entry, [&] {
+            QTest::mouseClick(m_dialog->windowHandle(), Qt::RightButton, {},
+                              grid.viewport()->mapTo(m_dialog.get(), cell));
+        })) << qPrintable(entry);
     }
     // The whole database as plcdb export writes it, read through a store of its own.
     QJsonObject exported() {

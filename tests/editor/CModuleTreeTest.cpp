@@ -2,6 +2,7 @@
 #include "CModuleTree.h"
 #include "DialogControls.h"
 #include "EditorFixture.h"
+#include "MenuChooser.h"
 #include "ModalRunner.h"
 
 #include <QApplication>
@@ -62,31 +63,14 @@ protected:
     void contextCommand(QTreeWidgetItem* item, const QString& entry) {
         m_tree->scrollToItem(item);
         const QPoint pos = m_tree->visualItemRect(item).center();
-        bool clicked = false;
-        QTimer waitForMenu;
-        waitForMenu.setInterval(0);
-        QObject::connect(&waitForMenu, &QTimer::timeout, [&] {
-            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-            if (!menu) {
-                return;
-            }
-            waitForMenu.stop();
-            for (QAction* action : menu->actions()) {
-                if (action->text() == entry && action->isEnabled()) {
-                    QTest::mouseClick(menu, Qt::LeftButton, {},
-                                      menu->actionGeometry(action).center());
-                    clicked = true;
-                    return;
-                }
-            }
-            menu->close();
-        });
-        waitForMenu.start();
-        QContextMenuEvent event(QContextMenuEvent::Mouse, pos,
-                                m_tree->viewport()->mapToGlobal(pos));
-        QCoreApplication::sendEvent(m_tree->viewport(), &event);
-        waitForMenu.stop();
-        EXPECT_TRUE(clicked) << qPrintable(entry) << " on " << qPrintable(item->text(0));
+        EXPECT_TRUE(ChooseMenuEntry(entry,
+                                    [&] {
+                                        QContextMenuEvent event(
+                                            QContextMenuEvent::Mouse, pos,
+                                            m_tree->viewport()->mapToGlobal(pos));
+                                        QCoreApplication::sendEvent(m_tree->viewport(), &event);
+                                    }))
+            << qPrintable(entry) << " on " << qPrintable(item->text(0));
     }
     // Types text key by key into the label editor of the running edit and presses Return.
     void typeKeys(const QString& text) {

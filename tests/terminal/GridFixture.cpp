@@ -1,5 +1,7 @@
 #include "GridFixture.h"
 
+#include "MenuChooser.h"
+
 #include <QApplication>
 #include <QMenu>
 #include <QTest>
@@ -82,31 +84,12 @@ void GridFixture::clickCell(GridCore& grid, int row, int col, Qt::KeyboardModifi
 }
 
 void GridFixture::contextCommand(int row, int col, const QString& entry) {
-    bool clicked = false;
-    QTimer waitForMenu;
-    waitForMenu.setInterval(0);
-    QObject::connect(&waitForMenu, &QTimer::timeout, [&] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu) {
-            return;
-        }
-        waitForMenu.stop();
-        for (QAction* action : menu->actions()) {
-            if (action->text() == entry && action->isEnabled()) {
-                QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
-                clicked = true;
-                return;
-            }
-        }
-        menu->close();
-    });
-    waitForMenu.start();
     // A right click through the window, which makes the context menu event.
     QWindow* window = m_window->windowHandle();
     const QPoint pos = m_term->viewport()->mapTo(m_window.get(), cellCentre(*m_term, row, col));
-    QTest::mouseClick(window, Qt::RightButton, {}, pos);
-    waitForMenu.stop();
-    EXPECT_TRUE(clicked) << qPrintable(entry);
+    EXPECT_TRUE(ChooseMenuEntry(entry, [&] {
+        QTest::mouseClick(window, Qt::RightButton, {}, pos);
+    })) << qPrintable(entry);
 }
 
 void GridFixture::typeIntoCell(GridCore& grid, int row, int col, const QString& text) {

@@ -80,6 +80,21 @@ void GridCore::SetGridModel(GridModel* model) {
     connect(model, &QAbstractItemModel::columnsInserted, this, apply);
 }
 
+void GridCore::SetModifiedFlag(int flag) {
+    m_bModified = flag;
+    if (m_bPostPending) {
+        return;
+    }
+    m_bPostPending = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_bPostPending = false;
+            emit modifiedFlagChanged();
+        },
+        Qt::QueuedConnection);
+}
+
 void GridCore::Execute(QUndoCommand* command) {
     if (m_bUndoEnabled) {
         m_undo.push(command);

@@ -70,6 +70,15 @@ public:
     // The caption of the top left cell.
     void SetCornerText(const QString& text);
 
+    // Whether a cell changed since the owner last cleared the flag. Setting it tells
+    // modifiedFlagChanged, queued as a posted message would be; the receiver only reads
+    // the flag again, so one pending notice serves all calls.
+    bool IsModified() const { return m_bModified != 0; }
+    void SetModifiedFlag(int flag);
+
+signals:
+    void modifiedFlagChanged();
+
 protected:
     // A value the user entered or toggled in a cell; answers whether it was taken.
     // The default records the change as an undo step and calls OnModifyCell.
@@ -99,4 +108,6 @@ private:
     bool m_bApplyingWidths = false;
     int m_headerHeight = 0;
     QString m_cornerText;
+    int m_bModified = 0;
+    bool m_bPostPending = false;
 };
