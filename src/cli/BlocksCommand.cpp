@@ -2,6 +2,7 @@
 
 #include "BlockSettingsFolder.h"
 #include "CBlockDescEx.h"
+#include "CliFailure.h"
 #include "CliOptions.h"
 #include "HostBridge.h"
 #include "HostSession.h"
@@ -28,8 +29,7 @@ struct BlocksOptions {
 };
 
 int Fail(const QString& text, int status) {
-    std::fprintf(stderr, "plcdb blocks: %s\n", qPrintable(text));
-    return status;
+    return ReportFailure(QStringLiteral("blocks"), text, status);
 }
 
 bool ParseBlocksOptions(const QStringList& args, BlocksOptions& out, QString& error) {

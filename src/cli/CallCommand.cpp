@@ -1,5 +1,7 @@
 #include "CallCommand.h"
 
+#include "CliFailure.h"
+
 #include "LispText.h"
 #include "StandaloneHost.h"
 #include "ZelUtils.h"
@@ -11,7 +13,7 @@ namespace {
 constexpr int kBadExpression = 2;
 
 void PrintError(const QString& text) {
-    std::fprintf(stderr, "plcdb call: %s\n", qPrintable(text));
+    ReportFailure(QStringLiteral("call"), text, 0);
     std::fflush(stderr);
 }
 

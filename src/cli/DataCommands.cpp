@@ -2,6 +2,7 @@
 
 #include "CKVModuleDB.h"
 #include "CatalogDocument.h"
+#include "CliFailure.h"
 #include "CliOptions.h"
 #include "DatabaseSession.h"
 #include "ZelPlcDbIO.h"
@@ -18,8 +19,7 @@ constexpr int kFailed = 1;
 constexpr int kUsage = 2;
 
 int Fail(const QString& command, const QString& text, int status = kFailed) {
-    std::fprintf(stderr, "plcdb %s: %s\n", qPrintable(command), qPrintable(text));
-    return status;
+    return ReportFailure(command, text, status);
 }
 
 void Print(const QString& text) {

@@ -1,5 +1,6 @@
 #include "EditCommand.h"
 
+#include "CliFailure.h"
 #include "CliOptions.h"
 #include "HostSession.h"
 
@@ -13,8 +14,7 @@ constexpr int kStartFailed = 1;
 constexpr int kUsage = 2;
 
 int Fail(const QString& text, int status) {
-    std::fprintf(stderr, "plcdb edit: %s\n", qPrintable(text));
-    return status;
+    return ReportFailure(QStringLiteral("edit"), text, status);
 }
 
 }  // namespace

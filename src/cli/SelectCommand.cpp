@@ -2,6 +2,7 @@
 
 #include "CKVModuleDB.h"
 #include "CatalogLookup.h"
+#include "CliFailure.h"
 #include "CliOptions.h"
 #include "CrtNumbers.h"
 #include "DatabaseSession.h"
@@ -29,8 +30,7 @@ struct SelectOptions {
 };
 
 int Fail(const QString& text, int status) {
-    std::fprintf(stderr, "plcdb select: %s\n", qPrintable(text));
-    return status;
+    return ReportFailure(QStringLiteral("select"), text, status);
 }
 
 bool ParseSelectOptions(const QStringList& args, SelectOptions& out, QString& error) {

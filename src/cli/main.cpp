@@ -1,5 +1,6 @@
 #include "BlocksCommand.h"
 #include "CallCommand.h"
+#include "CliFailure.h"
 #include "CliOptions.h"
 #include "DataCommands.h"
 #include "EditCommand.h"
@@ -21,8 +22,7 @@ constexpr int kStartFailed = 1;
 constexpr int kUsageError = 2;
 
 int Fail(const QString& text, int status) {
-    std::fprintf(stderr, "plcdb: %s\n", qPrintable(text));
-    return status;
+    return ReportFailure(QString(), text, status);
 }
 
 bool MayShowDialogs(const QString& command) {
