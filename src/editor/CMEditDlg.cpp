@@ -74,7 +74,7 @@ void CMEditDlg::BuildControls() {
     m_btnSave = MakeButton(this, tr("Save"), kIdSave);
     m_btnBlockDefs = MakeButton(this, tr("Block Definitions..."), kIdBlockDefs);
     m_btnHelp = MakeButton(this, tr("Help"), kIdHelp);
-    // The new-module, specification, style box and block definition dialogs come
+    // The new-module, spec data, style box and block definition dialogs come
     // later; until then their buttons stay off.
     for (QPushButton* later : {m_btnNewModule, m_btnEditSpecs, m_btnStyleBox, m_btnBlockDefs}) {
         later->setEnabled(false);
@@ -326,7 +326,7 @@ void CMEditDlg::OnCatalogRenamed() {
 }
 
 void CMEditDlg::OnSelectionDeleting() {
-    // The rows go with the module; a changed specification is still asked about.
+    // The rows go with the module; a changed spec data is still asked about.
     m_bRowsDirty = false;
     ClearGridFlags();
 }

@@ -143,8 +143,8 @@ protected:
         return rows;
     }
 
-    // What the specification dialog does on OK: the open module changes and is marked.
-    void changeSpecification(const QString& description) {
+    // What the spec data dialog does on OK: the open module changes and is marked.
+    void changeSpecData(const QString& description) {
         CKVModule* module = m_dialog->GetCurrentModule();
         ASSERT_NE(module, nullptr);
         module->SetDescription(description);
@@ -227,7 +227,7 @@ TEST_F(CMEditDlgTest, TheSaveQuestionOnASelectionChangeKeepsWritesOrDropsTheChan
         SCOPED_TRACE(c.answer);
         click(item(kInputs, QStringLiteral("NV-1108")));
         ASSERT_TRUE(m_dialog->IsModuleLoaded());
-        changeSpecification(QStringLiteral("eight inputs"));
+        changeSpecData(QStringLiteral("eight inputs"));
         EXPECT_TRUE(saveLit());
 
         m_messages.shown.clear();
@@ -257,7 +257,7 @@ TEST_F(CMEditDlgTest, TheSaveQuestionOnASelectionChangeKeepsWritesOrDropsTheChan
 
 TEST_F(CMEditDlgTest, AMoveAsksThenGivesUpTheChangesWhileACopyKeepsThem) {
     click(item(kInputs, QStringLiteral("NV-1108")));
-    changeSpecification(QStringLiteral("eight inputs"));
+    changeSpecData(QStringLiteral("eight inputs"));
 
     // A copy: asked, No, and the change stays unsaved.
     tree().SetContextItem(item(kInputs, QStringLiteral("NV-1116")));
@@ -291,7 +291,7 @@ TEST_F(CMEditDlgTest, AMoveAsksThenGivesUpTheChangesWhileACopyKeepsThem) {
     EXPECT_EQ(storedDescription(kInputs, QStringLiteral("NV-1108")), kNv1108Description);
 }
 
-TEST_F(CMEditDlgTest, DeletingTheOpenCatalogDropsRowChangesButLeavesTheSpecificationToAsk) {
+TEST_F(CMEditDlgTest, DeletingTheOpenCatalogDropsRowChangesButLeavesTheSpecDataToAsk) {
     click(item(kInputs, QStringLiteral("NV-1108")));
     // A value of row 2 left behind: it counts as unsaved rows.
     clickCell(m_dialog->TermGrid(), 2, CTermGridWnd::ColumnShow);
@@ -300,20 +300,20 @@ TEST_F(CMEditDlgTest, DeletingTheOpenCatalogDropsRowChangesButLeavesTheSpecifica
     typeIntoCell(m_dialog->AttribGrid(), 1, term, QStringLiteral("20"));
     clickCell(m_dialog->TermGrid(), 3, CTermGridWnd::ColumnShow);
     EXPECT_TRUE(m_dialog->IsRowsDirty());
-    changeSpecification(QStringLiteral("eight inputs"));
+    changeSpecData(QStringLiteral("eight inputs"));
     tree().SetContextItem(item(kInputs, QStringLiteral("NV-1108")));
     m_messages.answers = {kIdYes, kIdNo};  // delete it; do not save
     tree().OnDelete();
     EXPECT_EQ(m_messages.shown.at(0).number, 10121);
     EXPECT_FALSE(m_dialog->IsRowsDirty());
-    // The specification flag stood when the selection left the deleted catalog.
+    // The spec data flag stood when the selection left the deleted catalog.
     EXPECT_EQ(questionsAsked(4012), 1);
     EXPECT_EQ(storedDescription(kInputs, QStringLiteral("NV-1108")), QStringLiteral("<no module>"));
 }
 
 TEST_F(CMEditDlgTest, InsertThenCancelAtTheQuestionStaysAndALaterCloseStillInserts) {
     click(item(kInputs, QStringLiteral("NV-1108")));
-    changeSpecification(QStringLiteral("eight inputs"));
+    changeSpecData(QStringLiteral("eight inputs"));
     m_messages.answers = {kIdCancel};
     clickButton(CMEditDlg::kIdInsert);
     EXPECT_TRUE(m_dialog->isVisible());
