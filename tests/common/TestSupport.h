@@ -1,5 +1,6 @@
 #pragma once
 
+#include "HostUi.h"
 #include "MessageSink.h"
 
 #include <QString>
@@ -28,6 +29,20 @@ public:
     std::vector<MessageRequest> shown;
     std::vector<int> answers;  // taken from the front, one per message
     int fallback = kIdOk;
+};
+
+// A screen of a fixed scale that asks no questions and shows no help.
+class FixedScaleUi : public HostUi {
+public:
+    FixedScaleUi(double x, double y) : m_scale{x, y} {}
+    bool chooseFile(const QString&, const QString&, const QString&, QString&) override {
+        return false;
+    }
+    void showHelp(const QString&) override {}
+    HostScale scale() const override { return m_scale; }
+
+private:
+    HostScale m_scale;
 };
 
 // Readable QString values in test failures.

@@ -6,9 +6,9 @@
 #include "CatalogDocument.h"
 #include "DialogControls.h"
 #include "EditorFixture.h"
-#include "MenuChooser.h"
 #include "ModalRunner.h"
 #include "ResourceLibrary.h"
+#include "ViewInput.h"
 #include "ZelDbMigrate.h"
 
 #include <QApplication>
@@ -18,10 +18,12 @@
 #include <QJsonObject>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMenu>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace {
 
@@ -41,7 +43,6 @@ protected:
         m_dialog->SetDbPath(databasePath());
         m_dialog->resize(900, 600);
         m_dialog->show();
-        ASSERT_TRUE(m_dialog->isVisible());
         // Focus moves only in an active window, and a label edit ends with its focus.
         m_dialog->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
@@ -58,13 +59,11 @@ protected:
         }
         QTreeWidgetItem* node = tree().topLevelItem(0);
         for (const QString& name : {kNorvale, kSeries, type}) {
-            QTreeWidgetItem* next = nullptr;
-            for (int i = 0; node && i < node->childCount(); ++i) {
-                if (node->child(i)->text(0) == name) {
-                    next = node->child(i);
-                }
+            QTreeWidgetItem* parent = node;
+            node = nullptr;
+            for (int i = 0; parent && !node && i < parent->childCount(); ++i) {
+                node = parent->child(i)->text(0) == name ? parent->child(i) : nullptr;
             }
-            node = next;
         }
         return node;
     }
@@ -81,43 +80,15 @@ protected:
         ASSERT_TRUE(button->isEnabled()) << id;
         QTest::mouseClick(button, Qt::LeftButton);
     }
-    // Clicks a cell of a grid, rows and columns from 1.
-    static void clickCell(GridCore& grid, int row, int col) {
-        grid.scrollTo(grid.model()->index(row - 1, col - 1));
-        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {},
-                          grid.visualRect(grid.model()->index(row - 1, col - 1)).center());
-    }
-    // Opens the cell's editor with F2, types text over its value and presses Return.
-    static void typeIntoCell(GridCore& grid, int row, int col, const QString& text) {
-        clickCell(grid, row, col);
-        QTest::keyClick(&grid, Qt::Key_F2);
-        QWidget* editor = QApplication::focusWidget();
-        ASSERT_NE(editor, nullptr);
-        ASSERT_NE(editor, &grid);
-        QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClicks(editor, text);
-        QTest::keyClick(editor, Qt::Key_Return);
-        // The commit and the modified notices are posted.
-        QCoreApplication::processEvents();
-    }
-    // The attribute grid's column of tag, from its header row; -1 when not shown.
-    int attribColumn(const QString& tag) {
+    // The attribute grid's column of TERM_, from its header row; -1 when not shown.
+    int terminalColumn() {
         CAttribGridWnd& grid = m_dialog->AttribGrid();
         for (int col = 1; col <= grid.model()->columnCount(); ++col) {
-            if (grid.CellText(0, col) == tag) {
+            if (grid.CellText(0, col) == QStringLiteral("TERM_")) {
                 return col;
             }
         }
         return -1;
-    }
-    // Right-clicks a cell of the terminal grid and chooses entry from its menu.
-    void contextCommand(int row, int col, const QString& entry) {
-        CTermGridWnd& grid = m_dialog->TermGrid();
-        const QPoint cell = grid.visualRect(grid.model()->index(row - 1, col - 1)).center();
-        EXPECT_TRUE(ChooseMenuEntry(entry, [&] {
-            QTest::mouseClick(m_dialog->windowHandle(), Qt::RightButton, {},
-                              grid.viewport()->mapTo(m_dialog.get(), cell));
-        })) << qPrintable(entry);
     }
     // The whole database as plcdb export writes it, read through a store of its own.
     QJsonObject exported() {
@@ -127,20 +98,29 @@ protected:
         EXPECT_TRUE(CatalogDocument::Export(db, document, nullptr));
         return document;
     }
-    // The rows of a module as the store holds them.
-    QStringList storedRows(const QString& type, const QString& catalog) {
+    // A digital input module as a store of its own reads it.
+    std::optional<CKVModule> stored(const QString& catalog) {
         CKVModuleDB db;
         QString table;
-        QStringList rows;
-        if (!db.Open(databasePath()) || !db.GetTypeTableName(kNorvale, kSeries, type, table)) {
-            return rows;
+        if (db.Open(databasePath()) && db.GetTypeTableName(kNorvale, kSeries, kInputs, table)) {
+            const int handle = db.LoadModule(table, catalog, false);
+            if (handle != -1) {
+                return db.GetModule(handle);
+            }
         }
-        const int handle = db.LoadModule(table, catalog, false);
-        for (int row = 1; handle != -1 && row <= db.GetModule(handle).GetTermCount(); ++row) {
-            rows << db.GetModule(handle).GetTermText(row) + u'|' +
-                        db.GetModule(handle).GetTermSpecial(row);
+        return std::nullopt;
+    }
+    QStringList storedRows(const QString& catalog) {
+        const CKVModule module = stored(catalog).value_or(CKVModule());
+        QStringList rows;
+        for (int row = 1; row <= module.GetTermCount(); ++row) {
+            rows << module.GetTermText(row) + u'|' + module.GetTermSpecial(row);
         }
         return rows;
+    }
+    QString storedDescription(const QString& catalog) {
+        const std::optional<CKVModule> module = stored(catalog);
+        return module ? module->GetDescription() : QStringLiteral("<no module>");
     }
 
     // What the spec data dialog does on OK: the open module changes and is marked.
@@ -150,21 +130,9 @@ protected:
         module->SetDescription(description);
         m_dialog->MarkSpecChanged();
     }
-    QString storedDescription(const QString& type, const QString& catalog) {
-        CKVModuleDB db;
-        QString table;
-        if (!db.Open(databasePath()) || !db.GetTypeTableName(kNorvale, kSeries, type, table)) {
-            return QStringLiteral("<no table>");
-        }
-        const int handle = db.LoadModule(table, catalog, true);
-        return handle == -1 ? QStringLiteral("<no module>") : db.GetModule(handle).GetDescription();
-    }
     int questionsAsked(int number) const {
-        int count = 0;
-        for (const MessageRequest& request : m_messages.shown) {
-            count += request.number == number ? 1 : 0;
-        }
-        return count;
+        return int(std::count_if(m_messages.shown.begin(), m_messages.shown.end(),
+                                 [number](const MessageRequest& r) { return r.number == number; }));
     }
     bool saveLit() {
         return FindControl<QPushButton>(m_dialog.get(), CMEditDlg::kIdSave)->isEnabled();
@@ -178,25 +146,20 @@ TEST_F(CMEditDlgTest, ReturnAndTheCancelKeyDuringALabelEditEndItAndKeepTheDialog
     ASSERT_NE(outputs, nullptr);
     tree().SetContextItem(outputs);
 
-    // Return reaches the dialog while the label is edited: the new name stands.
-    tree().OnRename();
-    ASSERT_TRUE(tree().IsEditingLabel());
-    tree().findChild<QLineEdit*>()->setText(QStringLiteral("Relay Output"));
-    QTest::keyClick(m_dialog.get(), Qt::Key_Return);
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(m_dialog->isVisible());
-    EXPECT_FALSE(tree().IsEditingLabel());
-    EXPECT_EQ(outputs->text(0), QStringLiteral("Relay Output"));
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-
-    // The cancel key during an edit drops it.
-    tree().OnRename();
-    ASSERT_TRUE(tree().IsEditingLabel());
-    tree().findChild<QLineEdit*>()->setText(QStringLiteral("Coil Output"));
-    QTest::keyClick(m_dialog.get(), Qt::Key_Escape);
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(m_dialog->isVisible());
-    EXPECT_EQ(outputs->text(0), QStringLiteral("Relay Output"));
+    // Return reaches the dialog while the label is edited: the new name stands. The
+    // cancel key during an edit drops it. Neither closes the dialog.
+    for (const auto& [key, typed] :
+         {std::pair{Qt::Key_Return, "Relay Output"}, std::pair{Qt::Key_Escape, "Coil Output"}}) {
+        tree().OnRename();
+        ASSERT_TRUE(tree().IsEditingLabel());
+        tree().findChild<QLineEdit*>()->setText(QString::fromLatin1(typed));
+        QTest::keyClick(m_dialog.get(), key);
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(m_dialog->isVisible());
+        EXPECT_FALSE(tree().IsEditingLabel());
+        EXPECT_EQ(outputs->text(0), QStringLiteral("Relay Output"));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 
     // F1 and the help button open the editor's topic.
     QStringList reports;
@@ -213,39 +176,32 @@ TEST_F(CMEditDlgTest, ReturnAndTheCancelKeyDuringALabelEditEndItAndKeepTheDialog
 }
 
 TEST_F(CMEditDlgTest, TheSaveQuestionOnASelectionChangeKeepsWritesOrDropsTheChanges) {
-    struct Case {
+    const struct {
         int answer;
-        bool moves;
+        const char* current;  // where the selection is after the answer
         const char* stored;
+    } cases[] = {
+        {kIdCancel, "NV-1108", "8 point 24V DC sink input"},
+        {kIdNo, "NV-1116", "8 point 24V DC sink input"},
+        {kIdYes, "NV-1116", "eight inputs"},
     };
-    const Case cases[] = {
-        {kIdCancel, false, "8 point 24V DC sink input"},
-        {kIdNo, true, "8 point 24V DC sink input"},
-        {kIdYes, true, "eight inputs"},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.answer);
         click(item(kInputs, QStringLiteral("NV-1108")));
-        ASSERT_TRUE(m_dialog->IsModuleLoaded());
         changeSpecData(QStringLiteral("eight inputs"));
-        EXPECT_TRUE(saveLit());
-
         m_messages.shown.clear();
-        m_messages.answers = {c.answer};
+        m_messages.answers = {c.answer, kIdNo};
         click(item(kInputs, QStringLiteral("NV-1116")));
         EXPECT_EQ(questionsAsked(4012), 1);
-        EXPECT_EQ(tree().currentItem()->text(0),
-                  c.moves ? QStringLiteral("NV-1116") : QStringLiteral("NV-1108"));
-        EXPECT_EQ(m_dialog->GetCurrentModule()->GetCatalog(),
-                  c.moves ? QStringLiteral("NV-1116") : QStringLiteral("NV-1108"));
-        EXPECT_EQ(storedDescription(kInputs, QStringLiteral("NV-1108")),
-                  QString::fromUtf8(c.stored));
-        EXPECT_EQ(saveLit(), !c.moves);
-        if (!c.moves) {
-            // The change is still there, unsaved.
+        EXPECT_EQ(tree().currentItem()->text(0), QString::fromLatin1(c.current));
+        EXPECT_EQ(m_dialog->GetCurrentModule()->GetCatalog(), QString::fromLatin1(c.current));
+        EXPECT_EQ(storedDescription(QStringLiteral("NV-1108")), QString::fromUtf8(c.stored));
+        const bool stayed = c.answer == kIdCancel;
+        EXPECT_EQ(saveLit(), stayed);
+        if (stayed) {
+            // The change is still there, unsaved; the next try gives it up.
             EXPECT_EQ(m_dialog->GetCurrentModule()->GetDescription(),
                       QStringLiteral("eight inputs"));
-            m_messages.answers = {kIdNo};
             click(item(kInputs, QStringLiteral("NV-1116")));
         }
         // Coming back reads the module from the store.
@@ -288,17 +244,15 @@ TEST_F(CMEditDlgTest, AMoveAsksThenGivesUpTheChangesWhileACopyKeepsThem) {
     EXPECT_EQ(item(kInputs, QStringLiteral("NV-1132")), nullptr);
     EXPECT_FALSE(m_dialog->IsSpecDirty());
     EXPECT_FALSE(saveLit());
-    EXPECT_EQ(storedDescription(kInputs, QStringLiteral("NV-1108")), kNv1108Description);
+    EXPECT_EQ(storedDescription(QStringLiteral("NV-1108")), kNv1108Description);
 }
 
 TEST_F(CMEditDlgTest, DeletingTheOpenCatalogDropsRowChangesButLeavesTheSpecDataToAsk) {
     click(item(kInputs, QStringLiteral("NV-1108")));
     // A value of row 2 left behind: it counts as unsaved rows.
-    clickCell(m_dialog->TermGrid(), 2, CTermGridWnd::ColumnShow);
-    const int term = attribColumn(QStringLiteral("TERM_"));
-    ASSERT_NE(term, -1);
-    typeIntoCell(m_dialog->AttribGrid(), 1, term, QStringLiteral("20"));
-    clickCell(m_dialog->TermGrid(), 3, CTermGridWnd::ColumnShow);
+    ClickCell(m_dialog->TermGrid(), 2, CTermGridWnd::ColumnShow);
+    TypeIntoCell(m_dialog->AttribGrid(), 1, terminalColumn(), QStringLiteral("20"));
+    ClickCell(m_dialog->TermGrid(), 3, CTermGridWnd::ColumnShow);
     EXPECT_TRUE(m_dialog->IsRowsDirty());
     changeSpecData(QStringLiteral("eight inputs"));
     tree().SetContextItem(item(kInputs, QStringLiteral("NV-1108")));
@@ -308,7 +262,7 @@ TEST_F(CMEditDlgTest, DeletingTheOpenCatalogDropsRowChangesButLeavesTheSpecDataT
     EXPECT_FALSE(m_dialog->IsRowsDirty());
     // The spec data flag stood when the selection left the deleted catalog.
     EXPECT_EQ(questionsAsked(4012), 1);
-    EXPECT_EQ(storedDescription(kInputs, QStringLiteral("NV-1108")), QStringLiteral("<no module>"));
+    EXPECT_EQ(storedDescription(QStringLiteral("NV-1108")), QStringLiteral("<no module>"));
 }
 
 TEST_F(CMEditDlgTest, InsertThenCancelAtTheQuestionStaysAndALaterCloseStillInserts) {
@@ -400,17 +354,15 @@ TEST_F(CMEditDlgTest, AnOlderFileIsUpgradedOnlyWhenTheUserSaysYes) {
 
 TEST_F(CMEditDlgTest, CellChangesLightSaveAndSaveWritesExactlyThoseIntoTheStore) {
     click(item(kInputs, QStringLiteral("NV-1108")));
-    const QStringList before = storedRows(kInputs, QStringLiteral("NV-1108"));
+    const QStringList before = storedRows(QStringLiteral("NV-1108"));
     ASSERT_EQ(before.size(), 11);
     EXPECT_FALSE(saveLit());
 
-    typeIntoCell(m_dialog->TermGrid(), 4, CTermGridWnd::ColumnSpacing, QStringLiteral("1.5"));
+    TypeIntoCell(m_dialog->TermGrid(), 4, CTermGridWnd::ColumnSpacing, QStringLiteral("1.5"));
     EXPECT_TRUE(saveLit());
     // A value typed into the attribute grid and not yet taken into the row.
-    clickCell(m_dialog->TermGrid(), 3, CTermGridWnd::ColumnShow);
-    const int term = attribColumn(QStringLiteral("TERM_"));
-    ASSERT_NE(term, -1);
-    typeIntoCell(m_dialog->AttribGrid(), 1, term, QStringLiteral("30"));
+    ClickCell(m_dialog->TermGrid(), 3, CTermGridWnd::ColumnShow);
+    TypeIntoCell(m_dialog->AttribGrid(), 1, terminalColumn(), QStringLiteral("30"));
 
     clickButton(CMEditDlg::kIdSave);
     QCoreApplication::processEvents();
@@ -420,7 +372,7 @@ TEST_F(CMEditDlgTest, CellChangesLightSaveAndSaveWritesExactlyThoseIntoTheStore)
     expected[3] = QStringLiteral(
         "HP?DI|TERM_=4;\\SPECIAL=ADDR_IN;DESC3=CH02;"
         "\\SPECIAL=SPACINGFACTOR=1.500000");
-    EXPECT_EQ(storedRows(kInputs, QStringLiteral("NV-1108")), expected);
+    EXPECT_EQ(storedRows(QStringLiteral("NV-1108")), expected);
 
     // Nothing is left to ask about when leaving.
     clickButton(CMEditDlg::kIdDone);
@@ -435,32 +387,24 @@ TEST_F(CMEditDlgTest, ABlockPickedAnEditUndoneAndSaveChangeExactlyThatRowOfTheEx
     // Row 3 gets the digital output block through the picker.
     QueuedModalScript script;
     script.push([](QDialog& picker) {
-        auto* categories = FindControl<QListWidget>(&picker, CPickTerm::kIdCategories);
-        auto* blocks = FindControl<QListWidget>(&picker, CPickTerm::kIdBlocks);
-        const QList<QListWidgetItem*> digital =
-            categories->findItems(QStringLiteral("Digital"), Qt::MatchExactly);
-        EXPECT_EQ(digital.size(), 1);
-        if (digital.size() != 1) {
-            return 0;
+        for (const auto& [id, text] : {std::pair{CPickTerm::kIdCategories, "Digital"},
+                                       std::pair{CPickTerm::kIdBlocks, "Digital output"}}) {
+            auto* list = FindControl<QListWidget>(&picker, id);
+            const auto found = list->findItems(QString::fromLatin1(text), Qt::MatchExactly);
+            EXPECT_EQ(found.size(), 1) << text;
+            if (found.size() == 1) {
+                ClickItem(*list, list->row(found.first()));
+            }
         }
-        QTest::mouseClick(categories->viewport(), Qt::LeftButton, {},
-                          categories->visualItemRect(digital.first()).center());
-        const QList<QListWidgetItem*> output =
-            blocks->findItems(QStringLiteral("Digital output"), Qt::MatchExactly);
-        EXPECT_EQ(output.size(), 1);
-        if (output.size() != 1) {
-            return 0;
-        }
-        blocks->doItemsLayout();
-        QTest::mouseClick(blocks->viewport(), Qt::LeftButton, {},
-                          blocks->visualItemRect(output.first()).center());
         QTest::mouseClick(FindControl<QPushButton>(&picker, CPickTerm::kIdOk), Qt::LeftButton);
         return 0;
     });
     // The picker writes the block only into the current cell's row when that cell is in
     // the terminal column, so the user clicks the cell first.
-    clickCell(m_dialog->TermGrid(), 3, CTermGridWnd::ColumnTerminal);
-    contextCommand(3, CTermGridWnd::ColumnTerminal, LoadResString(CTermGridWnd::kCmdEditCells));
+    CTermGridWnd& rows = m_dialog->TermGrid();
+    ClickCell(rows, 3, CTermGridWnd::ColumnTerminal);
+    ChooseCellMenuEntry(*m_dialog, rows, 3, CTermGridWnd::ColumnTerminal,
+                        LoadResString(CTermGridWnd::kCmdEditCells));
     QCoreApplication::processEvents();
     EXPECT_TRUE(script.done());
     EXPECT_EQ(script.seen, QStringList{QStringLiteral("CPickTerm")});
@@ -471,37 +415,32 @@ TEST_F(CMEditDlgTest, ABlockPickedAnEditUndoneAndSaveChangeExactlyThatRowOfTheEx
     m_dialog->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
     CAttribGridWnd& attributes = m_dialog->AttribGrid();
-    const int term = attribColumn(QStringLiteral("TERM_"));
-    ASSERT_NE(term, -1);
-    typeIntoCell(attributes, 1, term, QStringLiteral("99"));
+    const int term = terminalColumn();
+    TypeIntoCell(attributes, 1, term, QStringLiteral("99"));
     EXPECT_EQ(attributes.CellText(1, term), QStringLiteral("99"));
     attributes.setFocus();
     QTest::keyClick(&attributes, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(attributes.CellText(1, term), QStringLiteral("3"));
 
-    EXPECT_EQ(m_dialog->GetCurrentModule()->GetTermText(3), QStringLiteral("HP?DO"));
     clickButton(CMEditDlg::kIdSave);
     EXPECT_EQ(m_dialog->GetCurrentModule()->GetTermText(3), QStringLiteral("HP?DO"));
+    // The export changes in that row's text only.
     QJsonObject expected = before;
     QJsonArray modules = expected.value(QStringLiteral("modules")).toArray();
-    bool found = false;
-    for (qsizetype i = 0; i < modules.size(); ++i) {
-        QJsonObject module = modules[i].toObject();
-        if (module.value(QStringLiteral("spec")).toObject().value(QStringLiteral("Code")) !=
-            QStringLiteral("NV-1108")) {
-            continue;
-        }
-        QJsonArray rows = module.value(QStringLiteral("terminals")).toArray();
-        QJsonObject third = rows[2].toObject();
-        EXPECT_EQ(third.value(QStringLiteral("text")), QStringLiteral("HP?DI"));
-        third.insert(QStringLiteral("text"), QStringLiteral("HP?DO"));
-        rows[2] = third;
-        module.insert(QStringLiteral("terminals"), rows);
-        modules[i] = module;
-        found = true;
-    }
-    ASSERT_TRUE(found);
-    expected.insert(QStringLiteral("modules"), modules);
+    const auto isNv1108 = [](const QJsonValue& m) {
+        return m[QStringLiteral("spec")][QStringLiteral("Code")] == QStringLiteral("NV-1108");
+    };
+    const auto at = std::find_if(modules.begin(), modules.end(), isNv1108);
+    ASSERT_NE(at, modules.end());
+    QJsonObject module = at->toObject();
+    QJsonArray terminals = module[QStringLiteral("terminals")].toArray();
+    QJsonObject third = terminals[2].toObject();
+    EXPECT_EQ(third.value(QStringLiteral("text")), QStringLiteral("HP?DI"));
+    third[QStringLiteral("text")] = QStringLiteral("HP?DO");
+    terminals[2] = third;
+    module[QStringLiteral("terminals")] = terminals;
+    *at = module;
+    expected[QStringLiteral("modules")] = modules;
     EXPECT_EQ(QString::fromUtf8(QJsonDocument(exported()).toJson()),
               QString::fromUtf8(QJsonDocument(expected).toJson()));
 }

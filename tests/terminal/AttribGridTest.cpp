@@ -1,7 +1,6 @@
 #include "GridFixture.h"
 
 #include "AttribGridModel.h"
-#include "CRegistryKey.h"
 
 #include <QApplication>
 #include <QSignalSpy>
@@ -12,7 +11,7 @@ using AttribGridTest = GridFixture;
 TEST_F(AttribGridTest, EditedValuesAreSavedTrimmedIntoTheRowLeft) {
     makeGrids();
     loadModule();
-    typeIntoCell(*m_attrib, 1, 1, QStringLiteral("  Input Z  "));
+    TypeIntoCell(*m_attrib, 1, 1, QStringLiteral("  Input Z  "));
     EXPECT_TRUE(m_attrib->IsModified());
     // Shown as typed, untrimmed, until the row is left.
     EXPECT_EQ(m_attrib->CellText(1, 1), QStringLiteral("  Input Z  "));
@@ -20,7 +19,7 @@ TEST_F(AttribGridTest, EditedValuesAreSavedTrimmedIntoTheRowLeft) {
     EXPECT_TRUE(m_module.GetAttrValue(QStringLiteral("DESC"), value, 1));
     EXPECT_EQ(value, QStringLiteral("Input A"));
 
-    clickCell(*m_term, 2, 2);
+    ClickCell(*m_term, 2, 2);
     EXPECT_TRUE(m_module.GetAttrValue(QStringLiteral("DESC"), value, 1));
     EXPECT_EQ(value, QStringLiteral("Input Z"));
     // The new row's block and values are shown, and the flag starts over.
@@ -31,17 +30,17 @@ TEST_F(AttribGridTest, EditedValuesAreSavedTrimmedIntoTheRowLeft) {
 
     // A block with no attributes: captions and no columns; the next save writes nothing.
     const QString before = m_module.GetTermSpecial(3);
-    clickCell(*m_term, 3, 2);
+    ClickCell(*m_term, 3, 2);
     EXPECT_EQ(m_attrib->model()->columnCount(), 0);
     EXPECT_EQ(m_attrib->model()->rowCount(), 1);
-    clickCell(*m_term, 1, 2);
+    ClickCell(*m_term, 1, 2);
     EXPECT_EQ(m_module.GetTermSpecial(3), before);
 }
 
 TEST_F(AttribGridTest, TheOpenEditorsValueIsSavedAndTheSkipFlagHoldsOneChange) {
     makeGrids();
     loadModule();
-    clickCell(*m_attrib, 1, 2);
+    ClickCell(*m_attrib, 1, 2);
     QTest::keyClick(m_attrib, Qt::Key_F2);
     QWidget* editor = QApplication::focusWidget();
     ASSERT_NE(editor, m_attrib);
@@ -70,8 +69,8 @@ TEST_F(AttribGridTest, CtrlZAndCtrlYUndoAndRedoValueEdits) {
     makeGrids();
     loadModule();
     QSignalSpy notices(m_attrib, &CAttribGridWnd::modifiedFlagChanged);
-    typeIntoCell(*m_attrib, 1, 1, QStringLiteral("First"));
-    typeIntoCell(*m_attrib, 1, 1, QStringLiteral("Second"));
+    TypeIntoCell(*m_attrib, 1, 1, QStringLiteral("First"));
+    TypeIntoCell(*m_attrib, 1, 1, QStringLiteral("Second"));
     pressKey(*m_attrib, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(m_attrib->CellText(1, 1), QStringLiteral("First"));
     pressKey(*m_attrib, Qt::Key_Z, Qt::ControlModifier);
@@ -91,14 +90,9 @@ TEST_F(AttribGridTest, ColumnWidthsAreRememberedForColumnsShownLater) {
     m_attrib->SetColWidth(2, 77);
     m_attrib->SetHeaderHeight(33);
     m_window.reset();
-    CRegistryKey key;
-    ASSERT_TRUE(key.Open(QStringLiteral("Settings\\AttribGrid")));
-    quint32 stored = 0;
-    ASSERT_TRUE(key.GetValue(QStringLiteral("ColWidth2"), stored));
-    EXPECT_EQ(stored, 77u);
+    EXPECT_EQ(storedLayout("AttribGrid", "ColWidth2"), 77u);
     // No offset in this grid's stored header height.
-    ASSERT_TRUE(key.GetValue(QStringLiteral("RowHeight0"), stored));
-    EXPECT_EQ(stored, 33u);
+    EXPECT_EQ(storedLayout("AttribGrid", "RowHeight0"), 33u);
 
     // The new grid has no columns when it reads the layout; row 1's block brings two.
     makeGrids();

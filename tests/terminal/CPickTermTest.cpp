@@ -87,33 +87,21 @@ TEST_F(CPickTermTest, PicturesAreBroughtToTheSmallestSampleOrShowResource146At32
     EXPECT_EQ(picker.TermImageSize(), QSize(32, 32));
 }
 
-TEST_F(CPickTermTest, ASeventhRecentTerminalPushesTheOldestOut) {
-    for (int i = 0; i < 4; ++i) {
+TEST_F(CPickTermTest, ASeventhRecentTerminalPushesTheOldestOutAndReChoosingOneKeepsTheOrder) {
+    const std::pair<const char*, int> picks[] = {
+        {"Spares", 0},    {"Spares", 1},    {"Spares", 2},   {"Spares", 3},
+        {"Terminals", 0}, {"Terminals", 1}, {"Terminals", 2}};
+    for (const auto& [category, row] : picks) {
         CPickTerm picker;
         picker.SetBlockDesc(&m_blocks);
-        ASSERT_EQ(pickBlock(picker, QStringLiteral("Spares"), i), kIdOk);
-    }
-    for (int i = 0; i < 3; ++i) {
-        CPickTerm picker;
-        picker.SetBlockDesc(&m_blocks);
-        ASSERT_EQ(pickBlock(picker, QStringLiteral("Terminals"), i), kIdOk);
-        EXPECT_EQ(picker.GetTermIndex(), i + 1);
-    }
-    EXPECT_EQ(StoredRecent(),
-              (QStringList{"Ground", "Fuse", "Terminal", "Spare 4", "Spare 3", "Spare 2"}));
-}
-
-TEST_F(CPickTermTest, ReChoosingARecentTerminalKeepsTheOrderEvenOnCancel) {
-    for (int i = 0; i < 3; ++i) {
-        CPickTerm picker;
-        picker.SetBlockDesc(&m_blocks);
-        pickBlock(picker, QStringLiteral("Terminals"), i);
+        ASSERT_EQ(pickBlock(picker, QString::fromLatin1(category), row), kIdOk);
     }
     CPickTerm again;
     again.SetBlockDesc(&m_blocks);
     QueuedModalScript script;
     script.push([](QDialog& d) {
-        EXPECT_EQ(Texts(*Recent(d)), (QStringList{"Ground", "Fuse", "Terminal"}));
+        EXPECT_EQ(Texts(*Recent(d)),
+                  (QStringList{"Ground", "Fuse", "Terminal", "Spare 4", "Spare 3", "Spare 2"}));
         ClickItem(*Blocks(d), 0);
         clickCategory(d, QStringLiteral("Power"));
         ClickItem(*Blocks(d), 1);
@@ -121,7 +109,8 @@ TEST_F(CPickTermTest, ReChoosingARecentTerminalKeepsTheOrderEvenOnCancel) {
     });
     EXPECT_EQ(ModalRunner::Run(again), kIdCancel);
     // Written at selection: the cancelled pick of Relay stays.
-    EXPECT_EQ(StoredRecent(), (QStringList{"Relay", "Ground", "Fuse", "Terminal"}));
+    EXPECT_EQ(StoredRecent(),
+              (QStringList{"Relay", "Ground", "Fuse", "Terminal", "Spare 4", "Spare 3"}));
 }
 
 TEST_F(CPickTermTest, TwoBlocksOfOneDescriptionArePickedByPositionButRecentGivesTheFirst) {

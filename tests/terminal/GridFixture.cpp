@@ -1,11 +1,9 @@
 #include "GridFixture.h"
 
-#include "MenuChooser.h"
+#include "CRegistryKey.h"
+#include "ViewInput.h"
 
-#include <QApplication>
-#include <QMenu>
 #include <QTest>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace {
@@ -75,39 +73,6 @@ void GridFixture::makeGrids() {
     m_term->setFocus();
 }
 
-QPoint GridFixture::cellCentre(GridCore& grid, int row, int col) {
-    return grid.visualRect(grid.model()->index(row - 1, col - 1)).center();
-}
-
-void GridFixture::clickCell(GridCore& grid, int row, int col, Qt::KeyboardModifiers modifiers) {
-    QTest::mouseClick(grid.viewport(), Qt::LeftButton, modifiers, cellCentre(grid, row, col));
-}
-
-void GridFixture::contextCommand(int row, int col, const QString& entry) {
-    // A right click through the window, which makes the context menu event.
-    QWindow* window = m_window->windowHandle();
-    const QPoint pos = m_term->viewport()->mapTo(m_window.get(), cellCentre(*m_term, row, col));
-    EXPECT_TRUE(ChooseMenuEntry(entry, [&] {
-        QTest::mouseClick(window, Qt::RightButton, {}, pos);
-    })) << qPrintable(entry);
-}
-
-void GridFixture::typeIntoCell(GridCore& grid, int row, int col, const QString& text) {
-    clickCell(grid, row, col);
-    QTest::keyClick(&grid, Qt::Key_F2);
-    QWidget* editor = QApplication::focusWidget();
-    ASSERT_NE(editor, &grid);
-    QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
-    if (text.isEmpty()) {
-        QTest::keyClick(editor, Qt::Key_Delete);
-    } else {
-        QTest::keyClicks(editor, text);
-    }
-    QTest::keyClick(editor, Qt::Key_Return);
-    // The delegate commits a Return with a queued call.
-    settle();
-}
-
 void GridFixture::pressKey(GridCore& grid, int key, Qt::KeyboardModifiers modifiers) {
     // A context menu may have left no window active; shortcuts need one.
     m_window->activateWindow();
@@ -116,8 +81,24 @@ void GridFixture::pressKey(GridCore& grid, int key, Qt::KeyboardModifiers modifi
     QTest::keyClick(&grid, Qt::Key(key), modifiers);
 }
 
-void GridFixture::settle() {
-    QCoreApplication::processEvents();
+quint32 GridFixture::storedLayout(const char* grid, const char* name) {
+    CRegistryKey registry;
+    quint32 value = 0;
+    EXPECT_TRUE(registry.Open(QStringLiteral("Settings\\") + QString::fromLatin1(grid)));
+    EXPECT_TRUE(registry.GetValue(QString::fromLatin1(name), value)) << name;
+    return value;
+}
+
+QStringList GridFixture::toldChanges() const {
+    QStringList told;
+    for (const SeenRowChange& seen : m_changes) {
+        told.append(QStringLiteral("block %1, row %2 to %3%4")
+                        .arg(seen.blockIndex)
+                        .arg(seen.change.nPrevRow)
+                        .arg(seen.change.nNewRow)
+                        .arg(seen.change.bSave ? QStringLiteral(", saving") : QString()));
+    }
+    return told;
 }
 
 QStringList GridFixture::moduleRows() const {

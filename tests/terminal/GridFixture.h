@@ -6,7 +6,9 @@
 #include "CTermGridWnd.h"
 #include "ResourceLibrary.h"
 #include "TestSupport.h"
+#include "ViewInput.h"
 
+#include <QCoreApplication>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -40,18 +42,18 @@ protected:
     void makeGrids();
     void loadModule() { m_term->LoadModule(kHandle); }
 
-    // The centre of a cell in its grid's viewport; rows and columns from 1.
-    static QPoint cellCentre(GridCore& grid, int row, int col);
-    static void clickCell(GridCore& grid, int row, int col,
-                          Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     // Right-clicks the cell and chooses entry from the context menu that opens.
-    void contextCommand(int row, int col, const QString& entry);
-    // Opens the cell's editor with F2 and gives the typed text with Return.
-    static void typeIntoCell(GridCore& grid, int row, int col, const QString& text);
+    void contextCommand(int row, int col, const QString& entry) {
+        ChooseCellMenuEntry(*m_window, *m_term, row, col, entry);
+    }
     void pressKey(GridCore& grid, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     // Runs what was posted, such as the modified notices.
-    static void settle();
+    static void settle() { QCoreApplication::processEvents(); }
 
+    // A value of a grid's stored layout, under Settings\grid.
+    static quint32 storedLayout(const char* grid, const char* name);
+    // The row changes told, as "block B, row P to N" with ", saving" when asked to save.
+    QStringList toldChanges() const;
     // All rows of the module as "text;special" lines.
     QStringList moduleRows() const;
 

@@ -5,10 +5,10 @@
 #include "HostBridge.h"
 #include "HostServices.h"
 #include "ModalRunner.h"
+#include "ViewInput.h"
 
 #include <QListWidget>
 #include <QSettings>
-#include <QTest>
 
 namespace {
 
@@ -85,25 +85,6 @@ QStringList StoredRecent() {
 void ClearRecent() {
     QSettings settings = UserSettings();
     settings.remove(QStringLiteral("Settings/TermEditDlgControls"));
-}
-
-void ClickItem(QListWidget& list, int row) {
-    list.doItemsLayout();
-    QListWidgetItem* item = list.item(row);
-    ASSERT_NE(item, nullptr) << row;
-    list.scrollToItem(item);
-    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(item).center());
-}
-
-void DoubleClickItem(QListWidget& list, int row) {
-    list.doItemsLayout();
-    QListWidgetItem* item = list.item(row);
-    ASSERT_NE(item, nullptr) << row;
-    // The first click of the pair, then the second that the system reports as a double
-    // click.
-    const QPoint centre = list.visualItemRect(item).center();
-    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, centre);
-    QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, centre);
 }
 
 void PickerFixture::clickCategory(QDialog& picker, const QString& category) {

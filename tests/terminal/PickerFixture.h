@@ -4,6 +4,7 @@
 #include "ResourceLibrary.h"
 #include "StandaloneHost.h"
 #include "TestSupport.h"
+#include "ViewInput.h"
 
 #include <QTemporaryDir>
 
@@ -13,15 +14,11 @@
 
 class CPickTerm;
 class QDialog;
-class QListWidget;
 
 // The recent list as the user's settings file holds it, read and cleared without the
 // dialog.
 QStringList StoredRecent();
 void ClearRecent();
-// Clicks or double-clicks the item with that row of a list as the user would.
-void ClickItem(QListWidget& list, int row);
-void DoubleClickItem(QListWidget& list, int row);
 
 // The picker's world: a host whose support path holds the sample pictures, the
 // resource library, an empty recent list, and the blocks

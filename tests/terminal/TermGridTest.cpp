@@ -1,6 +1,5 @@
 #include "GridFixture.h"
 
-#include "CRegistryKey.h"
 #include "StandaloneHost.h"
 
 #include <QApplication>
@@ -12,7 +11,7 @@
 
 using TermGridTest = GridFixture;
 
-TEST_F(TermGridTest, LoadingShowsTheRowsInModuleFormAndLeavesTheGridUnmodified) {
+TEST_F(TermGridTest, LoadingShowsTheRowsUnmodifiedAndOnlyAMoveToAnotherRowTellsARowChange) {
     makeGrids();
     QSignalSpy notices(m_term, &CTermGridWnd::modifiedFlagChanged);
     loadModule();
@@ -29,20 +28,24 @@ TEST_F(TermGridTest, LoadingShowsTheRowsInModuleFormAndLeavesTheGridUnmodified) 
     EXPECT_EQ(m_term->GetCellValue(3, 5), QStringLiteral("1.5000"));
     EXPECT_EQ(m_term->GetCellValue(1, 5), QString());
     EXPECT_EQ(m_term->model()->headerData(4, Qt::Horizontal).toString(), QStringLiteral("Spacing"));
-    EXPECT_FALSE(m_term->IsModified());
     settle();
     EXPECT_GE(notices.count(), 1);
     EXPECT_FALSE(m_term->IsModified());
     // The load tells row 1 without saving, and the attribute grid shows its values.
-    ASSERT_FALSE(m_changes.empty());
-    EXPECT_EQ(m_changes.front().blockIndex, 1);
-    EXPECT_EQ(m_changes.front().change.nPrevRow, 1);
-    EXPECT_EQ(m_changes.front().change.nNewRow, 1);
-    EXPECT_FALSE(m_changes.front().change.bSave);
+    EXPECT_EQ(toldChanges().value(0), QStringLiteral("block 1, row 1 to 1"));
     EXPECT_EQ(m_term->CurrentRow(), 1);
     EXPECT_EQ(m_attrib->CellText(0, 1), QStringLiteral("DESC"));
     EXPECT_EQ(m_attrib->CellText(1, 1), QStringLiteral("Input A"));
     EXPECT_EQ(m_attrib->CellText(1, 2), QStringLiteral("1"));
+
+    // Moves inside row 1 tell nothing.
+    m_changes.clear();
+    ClickCell(*m_term, 1, 3);
+    ClickCell(*m_term, 1, 5);
+    ClickCell(*m_term, 2, 5);
+    pressKey(*m_term, Qt::Key_Down);
+    EXPECT_EQ(toldChanges(),
+              (QStringList{"block 2, row 1 to 2, saving", "block 3, row 2 to 3, saving"}));
 }
 
 TEST_F(TermGridTest, ARowWhoseBlockIsNotListedShowsMessage10058AndAnEmptyGrid) {
@@ -67,31 +70,12 @@ TEST_F(TermGridTest, ARowWhoseBlockIsNotListedShowsMessage10058AndAnEmptyGrid) {
     EXPECT_EQ(m_attrib->model()->columnCount(), 0);
 }
 
-TEST_F(TermGridTest, OnlyAMoveToAnotherRowTellsTheRowChange) {
-    makeGrids();
-    loadModule();
-    m_changes.clear();
-    clickCell(*m_term, 1, 3);
-    clickCell(*m_term, 1, 5);
-    EXPECT_TRUE(m_changes.empty());
-    clickCell(*m_term, 2, 5);
-    ASSERT_EQ(m_changes.size(), 1u);
-    EXPECT_EQ(m_changes[0].blockIndex, 2);
-    EXPECT_EQ(m_changes[0].change.nPrevRow, 1);
-    EXPECT_EQ(m_changes[0].change.nNewRow, 2);
-    EXPECT_TRUE(m_changes[0].change.bSave);
-    pressKey(*m_term, Qt::Key_Down);
-    ASSERT_EQ(m_changes.size(), 2u);
-    EXPECT_EQ(m_changes[1].blockIndex, 3);
-    EXPECT_EQ(m_changes[1].change.nNewRow, 3);
-}
-
 TEST_F(TermGridTest, EditsOfEveryColumnWriteThroughToTheModule) {
     makeGrids();
     loadModule();
     settle();
     // Show: the drop list's third line is the include flag.
-    clickCell(*m_term, 1, 2);
+    ClickCell(*m_term, 1, 2);
     QTest::keyClick(m_term, Qt::Key_F2);
     auto* combo = qobject_cast<QComboBox*>(QApplication::focusWidget());
     ASSERT_NE(combo, nullptr);
@@ -105,15 +89,15 @@ TEST_F(TermGridTest, EditsOfEveryColumnWriteThroughToTheModule) {
     EXPECT_TRUE(m_term->IsModified());
 
     // Break: a click in the middle of the cell.
-    clickCell(*m_term, 1, 4);
+    ClickCell(*m_term, 1, 4);
     EXPECT_EQ(m_module.GetBreak(1), 1);
-    clickCell(*m_term, 1, 4);
+    ClickCell(*m_term, 1, 4);
     EXPECT_EQ(m_module.GetBreak(1), 0);
 
     // Terminal: the block's name goes in module form, the row change is told with the
     // new block, and the attribute grid shows that block's tags.
     m_changes.clear();
-    clickCell(*m_term, 1, 1);
+    ClickCell(*m_term, 1, 1);
     QTest::keyClick(m_term, Qt::Key_F2);
     combo = qobject_cast<QComboBox*>(QApplication::focusWidget());
     ASSERT_NE(combo, nullptr);
@@ -131,22 +115,40 @@ TEST_F(TermGridTest, EditsOfEveryColumnWriteThroughToTheModule) {
     EXPECT_EQ(value, QStringLiteral("Input A"));
 }
 
-TEST_F(TermGridTest, SpacingUsesTheLocaleSeparatorBothWaysAndClearedIsUnset) {
+TEST_F(TermGridTest, SpacingUsesTheLocaleSeparatorBothWaysAndCellEditsUndoExactly) {
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
     m_module.SetSpacingFactor(2, 0.123456);
     makeGrids();
     loadModule();
+    const QStringList loaded = moduleRows();
     EXPECT_EQ(m_term->GetCellValue(3, 5), QStringLiteral("1,5000"));
     // Showing four decimals does not round what the row holds.
     EXPECT_EQ(m_term->GetCellValue(2, 5), QStringLiteral("0,1235"));
     EXPECT_EQ(m_module.GetSpacingFactor(2), 0.123456);
-    typeIntoCell(*m_term, 1, 5, QStringLiteral("2,25"));
+    TypeIntoCell(*m_term, 1, 5, QStringLiteral("2,25"));
     EXPECT_EQ(m_module.GetSpacingFactor(1), 2.25);
     EXPECT_EQ(m_term->GetCellValue(1, 5), QStringLiteral("2,2500"));
-    typeIntoCell(*m_term, 3, 5, QString());
+    // Cleared is unset.
+    TypeIntoCell(*m_term, 3, 5, QString());
     EXPECT_EQ(m_module.GetSpacingFactor(3), -1.0);
     EXPECT_FALSE(m_module.GetTermSpecial(3).contains(QStringLiteral("SPACINGFACTOR")));
     EXPECT_EQ(m_term->GetCellValue(3, 5), QString());
+    ClickCell(*m_term, 2, 4);
+    EXPECT_EQ(m_module.GetBreak(2), 1);
+    const QStringList edited = moduleRows();
+
+    for (int i = 0; i < 3; ++i) {
+        pressKey(*m_term, Qt::Key_Z, Qt::ControlModifier);
+    }
+    EXPECT_EQ(moduleRows(), loaded);
+    EXPECT_EQ(m_term->GetCellValue(3, 5), QStringLiteral("1,5000"));
+    for (int i = 0; i < 3; ++i) {
+        pressKey(*m_term, Qt::Key_Y, Qt::ControlModifier);
+    }
+    EXPECT_EQ(moduleRows(), edited);
+    // A new module starts with nothing to undo.
+    loadModule();
+    EXPECT_FALSE(m_term->UndoStack().canUndo());
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
 }
 
@@ -155,7 +157,7 @@ TEST_F(TermGridTest, InsertCommandsCopyTheRowWithItsAttributeValuesAndUndoAsOneS
     loadModule();
     const QStringList loaded = moduleRows();
     // Insert after row 2, chosen from the context menu of another column of that row.
-    clickCell(*m_term, 2, 1);
+    ClickCell(*m_term, 2, 1);
     contextCommand(2, 3, QStringLiteral("Insert After"));
     EXPECT_EQ(m_term->ContextRow(), 2);
     EXPECT_EQ(m_term->ContextCol(), 3);
@@ -179,7 +181,7 @@ TEST_F(TermGridTest, InsertCommandsCopyTheRowWithItsAttributeValuesAndUndoAsOneS
     EXPECT_EQ(m_term->model()->rowCount(), 4);
 
     // Insert before the last row: break and spacing come along.
-    clickCell(*m_term, 4, 2);
+    ClickCell(*m_term, 4, 2);
     contextCommand(4, 2, QStringLiteral("Insert Before"));
     ASSERT_EQ(m_module.GetTermCount(), 5);
     EXPECT_EQ(m_module.GetTermText(4), QStringLiteral("XP2SPACE"));
@@ -195,13 +197,13 @@ TEST_F(TermGridTest, DeleteRowsKeepsTheLastRowAndUndoesExactly) {
     loadModule();
     const QStringList loaded = moduleRows();
     // Every row selected: nothing happens.
-    clickCell(*m_term, 1, 1);
+    ClickCell(*m_term, 1, 1);
     pressKey(*m_term, Qt::Key_A, Qt::ControlModifier);
     contextCommand(2, 2, QStringLiteral("Delete Rows"));
     EXPECT_EQ(moduleRows(), loaded);
 
-    clickCell(*m_term, 1, 2);
-    clickCell(*m_term, 2, 2, Qt::ShiftModifier);
+    ClickCell(*m_term, 1, 2);
+    ClickCell(*m_term, 2, 2, Qt::ShiftModifier);
     contextCommand(2, 2, QStringLiteral("Delete Rows"));
     ASSERT_EQ(m_module.GetTermCount(), 1);
     EXPECT_EQ(m_module.GetTermText(1), QStringLiteral("XP2SPACE"));
@@ -218,51 +220,9 @@ TEST_F(TermGridTest, DeleteRowsKeepsTheLastRowAndUndoesExactly) {
     EXPECT_EQ(m_module.GetTermCount(), 1);
 }
 
-TEST_F(TermGridTest, UndoAndRedoOfCellEditsGiveBackTheModuleExactly) {
-    makeGrids();
-    loadModule();
-    const QStringList loaded = moduleRows();
-    typeIntoCell(*m_term, 2, 5, QStringLiteral("0.75"));
-    clickCell(*m_term, 2, 4);
-    const QStringList edited = moduleRows();
-    EXPECT_EQ(m_module.GetSpacingFactor(2), 0.75);
-    EXPECT_EQ(m_module.GetBreak(2), 1);
-    pressKey(*m_term, Qt::Key_Z, Qt::ControlModifier);
-    pressKey(*m_term, Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(moduleRows(), loaded);
-    EXPECT_EQ(m_term->GetCellValue(2, 5), QString());
-    pressKey(*m_term, Qt::Key_Y, Qt::ControlModifier);
-    pressKey(*m_term, Qt::Key_Y, Qt::ControlModifier);
-    EXPECT_EQ(moduleRows(), edited);
-    // A new module starts with nothing to undo.
-    loadModule();
-    EXPECT_FALSE(m_term->UndoStack().canUndo());
-}
-
-namespace {
-
-class ScaledUi : public HostUi {
-public:
-    bool chooseFile(const QString&, const QString&, const QString&, QString&) override {
-        return false;
-    }
-    void showHelp(const QString&) override {}
-    HostScale scale() const override { return {1.5, 2.0}; }
-};
-
-quint32 Stored(const char* key, const char* name) {
-    CRegistryKey registry;
-    quint32 value = 0;
-    EXPECT_TRUE(registry.Open(QString::fromLatin1(key)));
-    EXPECT_TRUE(registry.GetValue(QString::fromLatin1(name), value)) << name;
-    return value;
-}
-
-}  // namespace
-
 TEST_F(TermGridTest, LayoutIsStoredAtScaleOneAndComesBackScaled) {
     StandaloneHost host{StandaloneHostConfig()};
-    ScaledUi ui;
+    FixedScaleUi ui(1.5, 2.0);
     host.setUi(&ui);
     SetCurrentHost(&host);
     struct HostGuard {
@@ -274,9 +234,9 @@ TEST_F(TermGridTest, LayoutIsStoredAtScaleOneAndComesBackScaled) {
     m_term->SetHeaderHeight(64);
     m_window.reset();
     // Width over the horizontal scale; height over the vertical scale, less 10.
-    EXPECT_EQ(Stored("Settings\\TermGrid", "ColWidth2"), 100u);
-    EXPECT_EQ(Stored("Settings\\TermGrid", "ColWidth0"), 40u);
-    EXPECT_EQ(Stored("Settings\\TermGrid", "RowHeight0"), 22u);
+    EXPECT_EQ(storedLayout("TermGrid", "ColWidth2"), 100u);
+    EXPECT_EQ(storedLayout("TermGrid", "ColWidth0"), 40u);
+    EXPECT_EQ(storedLayout("TermGrid", "RowHeight0"), 22u);
 
     makeGrids();
     EXPECT_EQ(m_term->columnWidth(1), 150);

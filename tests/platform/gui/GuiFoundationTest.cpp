@@ -138,18 +138,9 @@ TEST(DialogControlsTest, FindsControlsByNumber) {
     EXPECT_EQ(ControlId(group), -1);
 }
 
-class FixedScaleUi : public HostUi {
-public:
-    bool chooseFile(const QString&, const QString&, const QString&, QString&) override {
-        return false;
-    }
-    void showHelp(const QString&) override {}
-    HostScale scale() const override { return {1.5, 1.25}; }
-};
-
 TEST(DialogControlsTest, ScalesByTheMonitorOfEachDirection) {
     EXPECT_EQ(ScaledX(162), 162);  // no host: scale 1
-    FixedScaleUi ui;
+    FixedScaleUi ui(1.5, 1.25);
     StandaloneHost host;
     host.setUi(&ui);
     SetCurrentHost(&host);
