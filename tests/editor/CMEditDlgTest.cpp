@@ -335,21 +335,17 @@ TEST_F(CMEditDlgTest, AnOlderFileIsUpgradedOnlyWhenTheUserSaysYes) {
     ASSERT_NE(type, nullptr);
     QTreeWidgetItem* before = oldTree.currentItem();
 
-    m_messages.answers = {kIdNo};
-    oldTree.setCurrentItem(type);
-    EXPECT_EQ(oldTree.currentItem(), before);
-    ASSERT_EQ(m_messages.shown.size(), 1u);
-    EXPECT_EQ(m_messages.shown[0].number, 10126);
-    bool required = true;
-    CheckForMigration(old, required, false, QString());
-    EXPECT_TRUE(required);
-
-    m_messages.answers = {kIdYes};
-    oldTree.setCurrentItem(type);
-    EXPECT_EQ(oldTree.currentItem(), type);
-    required = true;
-    CheckForMigration(old, required, false, QString());
-    EXPECT_FALSE(required);
+    // Asked each time; only Yes upgrades the file and lets the selection move.
+    for (const auto& [answer, upgraded] : {std::pair{kIdNo, false}, std::pair{kIdYes, true}}) {
+        m_messages.answers = {answer};
+        oldTree.setCurrentItem(type);
+        EXPECT_EQ(oldTree.currentItem(), upgraded ? type : before);
+        bool required = upgraded;  // the opposite of the answer expected
+        CheckForMigration(old, required, false, QString());
+        EXPECT_EQ(required, !upgraded);
+    }
+    EXPECT_EQ(m_messages.shown.size(), 2u);
+    EXPECT_EQ(questionsAsked(10126), 2);
 }
 
 TEST_F(CMEditDlgTest, CellChangesLightSaveAndSaveWritesExactlyThoseIntoTheStore) {

@@ -43,11 +43,6 @@ protected:
         ClearRecent();
         GridFixture::TearDown();
     }
-    // Row changes that asked the attribute grid to save, told since the last clear.
-    int savingNotices() const {
-        return int(std::count_if(m_changes.begin(), m_changes.end(),
-                                 [](const SeenRowChange& seen) { return seen.change.bSave; }));
-    }
 };
 
 TEST_F(TermGridFillTest, AFillOverSeveralRowsWritesOneColumnNotifiesOnceAndUndoesAsOneStep) {
@@ -75,7 +70,7 @@ TEST_F(TermGridFillTest, AFillOverSeveralRowsWritesOneColumnNotifiesOnceAndUndoe
     EXPECT_EQ(m_module.GetAddrFlags(2), 2);
     EXPECT_EQ(m_module.GetBreak(3), 1);
     EXPECT_EQ(m_module.GetTermText(3), QStringLiteral("XP2SPACE"));
-    EXPECT_EQ(savingNotices(), 1);
+    EXPECT_EQ(toldChanges().filter(QStringLiteral(", saving")).size(), 1);
     EXPECT_TRUE(m_term->IsModified());
 
     // One Ctrl+Z takes back the whole fill, not only its last cell.

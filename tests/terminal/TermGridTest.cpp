@@ -105,9 +105,7 @@ TEST_F(TermGridTest, EditsOfEveryColumnWriteThroughToTheModule) {
     QTest::keyClick(combo, Qt::Key_Down);
     settle();
     EXPECT_EQ(m_module.GetTermText(1), QStringLiteral("HP?FUSE"));
-    ASSERT_EQ(m_changes.size(), 1u);
-    EXPECT_EQ(m_changes[0].blockIndex, 2);
-    EXPECT_TRUE(m_changes[0].change.bSave);
+    EXPECT_EQ(toldChanges(), QStringList{"block 2, row 1 to 1, saving"});
     EXPECT_EQ(m_attrib->CellText(0, 1), QStringLiteral("FUSE_"));
     // Pairs of the old block stay in the row.
     QString value;
