@@ -59,7 +59,7 @@ public:
     // Asks message 4012 when something is unsaved; false when the user cancels.
     bool PromptToSave(bool bCanCancel);
     void UpdateSaveButton();
-    // The spec data of the open module was changed (its dialog's OK).
+    // The open module's spec data was changed (its dialog's OK).
     void MarkSpecChanged();
 
     // The terminal grid's row change and the flush before a save: the attribute grid

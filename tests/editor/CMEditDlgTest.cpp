@@ -123,7 +123,7 @@ protected:
         return module ? module->GetDescription() : QStringLiteral("<no module>");
     }
 
-    // What the spec data dialog does on OK: the open module changes and is marked.
+    // What the dialog for spec data does on OK: the open module changes and is marked.
     void changeSpecData(const QString& description) {
         CKVModule* module = m_dialog->GetCurrentModule();
         ASSERT_NE(module, nullptr);
@@ -260,7 +260,7 @@ TEST_F(CMEditDlgTest, DeletingTheOpenCatalogDropsRowChangesButLeavesTheSpecDataT
     tree().OnDelete();
     EXPECT_EQ(m_messages.shown.at(0).number, 10121);
     EXPECT_FALSE(m_dialog->IsRowsDirty());
-    // The spec data flag stood when the selection left the deleted catalog.
+    // The flag of changed spec data stood when the selection left the deleted catalog.
     EXPECT_EQ(questionsAsked(4012), 1);
     EXPECT_EQ(storedDescription(QStringLiteral("NV-1108")), QStringLiteral("<no module>"));
 }
