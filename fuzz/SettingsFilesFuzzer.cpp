@@ -1,8 +1,10 @@
-// Settings and path-list files on any bytes: reading, writing what was read and reading
-// again changes nothing, and writing the same lines twice gives the same bytes.
+// Settings, path-list and block settings files on any bytes: reading, writing what was
+// read and reading again changes nothing, and writing the same lines twice gives the same
+// bytes.
 
 #include "CPathListFile.h"
 #include "CStringSettingsFile.h"
+#include "CTermBlockSettings.h"
 #include "FuzzSupport.h"
 
 #include <QFile>
@@ -43,11 +45,50 @@ void CheckPathList(const QByteArray& bytes) {
               paths.join(u'|') + u'\n' + again.join(u'|'));
 }
 
+// The fields of the blocks as a writer keeps them: trimmed, and only blocks whose first
+// three fields are filled.
+QStringList WrittenFields(const TermBlockList& blocks) {
+    QStringList fields;
+    for (const _termblock& block : blocks) {
+        const QStringList four = {block.strBlockFile.trimmed(), block.strCategory.trimmed(),
+                                  block.strDescription.trimmed(), block.strSampleFile.trimmed()};
+        if (!four[0].isEmpty() && !four[1].isEmpty() && !four[2].isEmpty()) {
+            fields << four;
+        }
+    }
+    return fields;
+}
+
+// No host answers the drawing lookup here: the drawings' reader has a target of its own.
+void CheckBlockSettings(const QByteArray& bytes) {
+    CTermBlockSettings settings;
+    settings.SetDirectory(FuzzFolder());
+    FuzzWriteFile(settings.GetFilePath(), bytes);
+    TermBlockList blocks;
+    FuzzCheck(settings.Read(blocks), "a block settings file reads");
+    for (const _termblock& block : blocks) {
+        FuzzCheck(!block.strBlockFile.isEmpty() && !block.strCategory.isEmpty() &&
+                      !block.strDescription.isEmpty(),
+                  "a block read has its file, category and description");
+    }
+    FuzzCheck(settings.Write(blocks), "a block settings file is written");
+    const QByteArray written = ReadBytes(settings.GetFilePath());
+    TermBlockList again;
+    FuzzCheck(settings.Read(again), "a written block settings file reads");
+    FuzzCheck(WrittenFields(again) == WrittenFields(blocks),
+              "a block settings file reads back as it was written",
+              WrittenFields(blocks).join(u'|') + u'\n' + WrittenFields(again).join(u'|'));
+    FuzzCheck(settings.Write(again), "a block settings file is written again");
+    FuzzCheck(ReadBytes(settings.GetFilePath()) == written,
+              "the same blocks are written as the same bytes");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QByteArray bytes = FuzzBytes(data, size);
     CheckSettings(bytes);
     CheckPathList(bytes);
+    CheckBlockSettings(bytes);
     return 0;
 }
