@@ -10,6 +10,7 @@
 #include "Messages.h"
 #include "ResourceLibrary.h"
 #include "ScaleBitmapInt.h"
+#include "TermChoices.h"
 #include "ZelUtils.h"
 
 #include <QCheckBox>
@@ -32,20 +33,9 @@ const QString kRecentKey = QStringLiteral("Settings\\TermEditDlgControls");
 const QString kRecentCount = QStringLiteral("RecentTermCount");
 const QString kRecentEntry = QStringLiteral("Recent Terminal%1");
 constexpr int kMsgBlockCaption = 10039;
-constexpr int kChoicesShow = 4015;
-constexpr int kChoicesRePrompt = 4017;
 constexpr int kNoSampleBitmap = 146;
 constexpr int kNoSampleSize = 32;
 constexpr int kLargestSize = 12000;
-
-// One choice per line; a last line without a line end counts too.
-QStringList ChoiceLines(int number) {
-    QStringList lines = LoadResString(number).split(QStringLiteral("\r\n"));
-    if (!lines.isEmpty() && lines.last().isEmpty()) {
-        lines.removeLast();
-    }
-    return lines;
-}
 
 // The bitmap at the picture size. A bitmap that would grow on one side and shrink on
 // the other is scaled in two steps, as the scaler serves only one direction at a time.
@@ -172,8 +162,8 @@ void CPickTerm::OnInitDialog() {
     }
     m_lstCategories->addItems(m_lstCategoryNames);
     m_lstCategories->setCurrentRow(0);
-    m_cboShow->addItems(ChoiceLines(kChoicesShow));
-    m_cboRePrompt->addItems(ChoiceLines(kChoicesRePrompt));
+    m_cboShow->addItems(TermChoices::Lines(TermChoices::kShow));
+    m_cboRePrompt->addItems(TermChoices::Lines(TermChoices::kRePrompt));
     // A filled combo box selects its first line; the members say what stands.
     m_cboShow->setCurrentIndex(m_nShow);
     m_cboRePrompt->setCurrentIndex(m_nRePrompt);

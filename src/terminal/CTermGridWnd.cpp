@@ -6,6 +6,7 @@
 #include "HostBridge.h"
 #include "Messages.h"
 #include "ResourceLibrary.h"
+#include "TermChoices.h"
 #include "TermGridFill.h"
 #include "TermRowsCommand.h"
 
@@ -20,9 +21,7 @@ namespace {
 
 constexpr int kHeaderTerminal = 4013;
 constexpr int kHeaderShow = 4014;
-constexpr int kChoicesShow = 4015;
 constexpr int kHeaderRePrompt = 4016;
-constexpr int kChoicesRePrompt = 4017;
 constexpr int kHeaderBreak = 4018;
 constexpr int kHeaderSpacing = 4019;
 constexpr int kMsgUnknownBlock = 10058;
@@ -33,10 +32,6 @@ const QString kLayoutKey = QStringLiteral("Settings\\TermGrid");
 constexpr int kHeaderHeightOffset = 10;
 // Smallest width and height a column or row can be dragged to, unscaled.
 constexpr int kMinimumTrack = 10;
-
-QStringList ChoiceLines(int number) {
-    return LoadResString(number).split(QStringLiteral("\r\n"));
-}
 
 }  // namespace
 
@@ -68,7 +63,7 @@ void CTermGridWnd::Initialize() {
     m_model->SetTexts(
         {LoadResString(kHeaderTerminal), LoadResString(kHeaderShow), LoadResString(kHeaderRePrompt),
          LoadResString(kHeaderBreak), LoadResString(kHeaderSpacing)},
-        ChoiceLines(kChoicesShow), ChoiceLines(kChoicesRePrompt));
+        TermChoices::Lines(TermChoices::kShow), TermChoices::Lines(TermChoices::kRePrompt));
     SetUndoEnabled(false);
     m_model->ShowRows(0);
     SetLayoutKey(kLayoutKey, kHeaderHeightOffset);
