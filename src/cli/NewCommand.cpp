@@ -9,6 +9,7 @@
 #include "Messages.h"
 #include "ModuleDefaults.h"
 #include "ModuleSpecForm.h"
+#include "ResourceLibrary.h"
 #include "ZelUtils.h"
 
 #include <QJsonDocument>
@@ -281,9 +282,7 @@ int ReportOutcome(ModuleSpecForm::Outcome outcome, const ModuleSpecForm& form,
         kNotMade);
 }
 
-}  // namespace
-
-int RunNewCommand(const CliOptions& options) {
+int MakeModule(const CliOptions& options) {
     NewArguments args;
     QString error;
     if (!ParseNewArguments(options.arguments, args, error)) {
@@ -310,4 +309,17 @@ int RunNewCommand(const CliOptions& options) {
     }
     std::fputs(QJsonDocument(module).toJson(QJsonDocument::Indented).constData(), stdout);
     return 0;
+}
+
+}  // namespace
+
+int RunNewCommand(const CliOptions& options) {
+    QString error;
+    // The texts of the dialog's messages and of its direction list.
+    if (LoadResDll(QStringLiteral("zel_mb"), QStringLiteral("zel_mbres"), &error) == nullptr) {
+        return Fail(error, kNotMade);
+    }
+    const int status = MakeModule(options);
+    UnloadResDll();
+    return status;
 }

@@ -1,6 +1,7 @@
 #include "CKVModuleDB.h"
 #include "CatalogDocument.h"
 #include "ModuleSpecForm.h"
+#include "ResourceLibrary.h"
 #include "ZelDbMigrate.h"
 #include "ZelPlcDbIO.h"
 
@@ -87,7 +88,7 @@ TEST_F(NewModuleTest, FieldsBoxesAndDirectionReachTheStoreAndEmptyValuesStayUnse
     makeStore();
     ModuleSpecForm newForm = form("T1", "C2");
     newForm.m_nAddrBaseIndex = 2;
-    newForm.m_strDirFlags = ModuleSpecForm::DirFlagsForChoice("OUTPUT", "4");
+    newForm.m_strDirFlags = "6";
     newForm.m_strSpecTail = "tail.sht";
     newForm.m_strColText1 = "8 pts";
     newForm.m_nTermCount = 1;
@@ -153,6 +154,11 @@ TEST(ModuleSpecForm, AddressBaseKeywordsIgnoreCaseAndAnUnknownTextKeepsTheEntry)
 }
 
 TEST(ModuleSpecForm, DirectionChoicesSetTheTwoLowBitsAndKeepTheOthers) {
+    // The choices are the texts of the direction list.
+    QString error;
+    const auto resources = ResourceLibrary::Load(BuildPath(QString()), "zel_mbres", &error);
+    ASSERT_TRUE(resources) << qPrintable(error);
+    const ResourceScope scope(resources.get());
     const struct {
         const char* choice;
         const char* flags;
