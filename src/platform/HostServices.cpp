@@ -1,5 +1,7 @@
 #include "HostServices.h"
 
+#include "ZelUtils.h"
+
 namespace {
 HostServices* g_host = nullptr;
 }
@@ -77,4 +79,9 @@ HostScale HostHiDpi() {
 
 int HostSendCommand(const QString& text, bool activate, bool wrapUpInactive, bool echo) {
     return g_host ? g_host->sendCommand(text, activate, wrapUpInactive, echo) : kHostErrorResult;
+}
+
+QString HostProgramDir() {
+    const QString folder = g_host ? g_host->programDir() : QString();
+    return folder.isEmpty() ? GenerateProgramDir() : folder;
 }

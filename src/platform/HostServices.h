@@ -38,6 +38,9 @@ public:
     virtual QString realToString(double value, int mode, int precision) = 0;
     virtual HostScale hiDpi() const = 0;
     virtual int sendCommand(const QString& text, bool activate, bool wrapUpInactive, bool echo) = 0;
+    // The folder the host keeps the program's own files in, when it names one; empty
+    // means the folder of the program itself.
+    virtual QString programDir() const { return {}; }
 };
 
 // The host this module talks to; null until the host hands itself over.
@@ -61,3 +64,6 @@ void HostHelp(const QString& file, const QString& topic, int command);
 QString HostRealToString(double value, int mode, int precision);
 HostScale HostHiDpi();
 int HostSendCommand(const QString& text, bool activate, bool wrapUpInactive, bool echo);
+// The folder of the program's own files: the host's, when it names one, else the folder
+// of the program (GenerateProgramDir).
+QString HostProgramDir();

@@ -63,6 +63,7 @@ public:
     QString realToString(double value, int mode, int precision) override;
     HostScale hiDpi() const override { return m_ui ? m_ui->scale() : HostScale(); }
     int sendCommand(const QString& text, bool activate, bool wrapUpInactive, bool echo) override;
+    QString programDir() const override { return m_config.programDir; }
 
 private:
     void defineFamilyFunctions();

@@ -66,6 +66,9 @@ bool StandaloneHostConfig::load(const QString& file, QString* error) {
     }
     kvLib = values.value(QStringLiteral("host/kv_lib"), kvLib);
     docSetBase = values.value(QStringLiteral("host/doc_set_base"), docSetBase);
+    if (values.contains(QStringLiteral("host/program_dir"))) {
+        programDir = NativePath(values.value(QStringLiteral("host/program_dir")));
+    }
     bool ok = false;
     const int precision = values.value(QStringLiteral("host/linear_precision")).toInt(&ok);
     if (ok && precision >= 0 && precision <= 8) {
@@ -83,6 +86,9 @@ void StandaloneHostConfig::applyEnvironment() {
     }
     if (qEnvironmentVariableIsSet("PLCDB_DOC_SET_BASE")) {
         docSetBase = qEnvironmentVariable("PLCDB_DOC_SET_BASE");
+    }
+    if (qEnvironmentVariableIsSet("PLCDB_PROGRAM_DIR")) {
+        programDir = NativePath(qEnvironmentVariable("PLCDB_PROGRAM_DIR"));
     }
     bool ok = false;
     const int precision = qEnvironmentVariableIntValue("PLCDB_PRECISION", &ok);
