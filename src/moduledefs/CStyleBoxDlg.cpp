@@ -78,7 +78,7 @@ void CStyleBoxDlg::BuildControls() {
         for (int side = 0; side < 2; ++side) {
             auto* edit = new QLineEdit(this);
             SetControlId(edit, side == 0 ? kValueIds[place - 1] : kUnitIds[place - 1]);
-            m_edits[2 * (place - 1) + side] = edit;
+            m_edits[2 * std::size_t(place - 1) + side] = edit;
             fields->addWidget(edit, place, 1 + side);
         }
     }
@@ -187,7 +187,7 @@ bool CStyleBoxDlg::StoreShown(int group) {
     }
     Messages::Show(check.nMessage, {}, MsgButtons::Ok, MsgIcon::Warning, check.nCaption);
     if (check.nPlace > 0) {
-        QLineEdit* value = m_edits[2 * (check.nPlace - 1)];
+        QLineEdit* value = m_edits[2 * std::size_t(check.nPlace - 1)];
         if (check.bSelectText) {
             value->selectAll();
         }

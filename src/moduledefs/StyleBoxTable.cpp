@@ -18,6 +18,14 @@ int BoxIndex(bool bGroupB, int field) {
     return (bGroupB ? BoxTextOrder::kFieldCount : 0) + field - 1;
 }
 
+// Where the value and the unit of a screen place (1 to 6) lie among a group's twelve texts.
+qsizetype ValueSlot(int place) {
+    return 2 * qsizetype(place - 1);
+}
+qsizetype UnitSlot(int place) {
+    return ValueSlot(place) + 1;
+}
+
 // Exactly twelve texts, none null: missing ones are empty, surplus ones dropped.
 QStringList Twelve(const QStringList& texts) {
     QStringList twelve = texts.mid(0, StyleBoxTable::kGroupTextCount);
@@ -141,14 +149,14 @@ void StyleBoxTable::SplitGroup(const ModDB::StyleBoxData& row, bool bGroupB, QSt
         const QString& text = row.Box[BoxIndex(bGroupB, BoxTextOrder::FieldAt(place))];
         // A null text would be passed over by the splitter; the store means empty by it.
         CKVModule::SplitValueUnit(text.isNull() ? QStringLiteral("") : text,
-                                  twelve[2 * (place - 1)], twelve[2 * (place - 1) + 1]);
+                                  twelve[ValueSlot(place)], twelve[UnitSlot(place)]);
     }
 }
 
 void StyleBoxTable::JoinGroup(const QStringList& twelve, bool bGroupB, ModDB::StyleBoxData& row) {
     const QStringList texts = Twelve(twelve);
     for (int place = 1; place <= BoxTextOrder::kFieldCount; ++place) {
-        CKVModule::BuildValueWithUnit(texts[2 * (place - 1)], texts[2 * (place - 1) + 1],
+        CKVModule::BuildValueWithUnit(texts[ValueSlot(place)], texts[UnitSlot(place)],
                                       row.Box[BoxIndex(bGroupB, BoxTextOrder::FieldAt(place))]);
     }
 }

@@ -23,39 +23,12 @@ TEST(StyleBoxTable, ARowTextSplitsAtItsFirstBlankAndAnEmptySideKeepsWhatTheSlotH
 
 TEST(StyleBoxTable, AGroupJoinsIntoValueAndUnitAndAnEmptyValueDropsItsUnit) {
     ModDB::StyleBoxData row = RowOf({"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l"});
-    // Regression guard: a unit read from an empty edit may be a null text, which must not
-    // drop the value beside it.
+    // A unit read from an empty edit may be a null text; the value beside it stays.
     StyleBoxTable::JoinGroup({"3", "mm", "", "in", "2", QString(), "1", "", "5", "x y", "", ""},
                              false, row);
     const std::array<QString, ModDB::StyleBoxData::kBoxCount> expected = {
         "1", "2", "3 mm", "", "5 x y", "", "g", "h", "i", "j", "k", "l"};
     EXPECT_EQ(row.Box, expected);
-}
-
-TEST(StyleBoxTable, TheFieldCheckWantsGoodNumbersAllFourMainValuesAndAValueForEachUnit) {
-    const struct {
-        const char* name;
-        QStringList twelve;
-        int message;
-        int place;
-    } cases[] = {
-        {"all empty", {}, 0, 0},
-        {"all four main values", {"1", "", "2", "", "3", "", "4", "", "", "", "", ""}, 0, 0},
-        {"value 1 only", {"", "", "", "", "", "", "1", "", "", "", "", ""}, 5006, 0},
-        {"a unit alone", {"", "", "", "", "", "", "", "", "", "", "", "mm"}, 5006, 0},
-        {"unit 6 alone", {"1", "", "2", "", "3", "", "4", "", "", "", "", "mm"}, 5007, 6},
-        {"units 5 and 6 alone", {"1", "", "2", "", "3", "", "4", "", "", "in", "", "mm"}, 5007, 5},
-        {"two bad numbers", {"1", "", "x", "", "3", "", "4", "", "", "", ".", ""}, 10123, 6},
-        {"a bad number and a missing value",
-         {"", "", "", "", "1a", "", "", "", "", "", "", ""},
-         10123,
-         3},
-    };
-    for (const auto& c : cases) {
-        const StyleFieldCheck check = StyleBoxTable::CheckFields(c.twelve);
-        EXPECT_EQ(check.nMessage, c.message) << c.name;
-        EXPECT_EQ(check.nPlace, c.place) << c.name;
-    }
 }
 
 }  // namespace
