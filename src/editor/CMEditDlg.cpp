@@ -4,6 +4,7 @@
 #include "CAttribGridWnd.h"
 #include "CModuleTree.h"
 #include "CPathLabel.h"
+#include "CStyleBoxDlg.h"
 #include "CTermGridWnd.h"
 #include "CrtNumbers.h"
 #include "DialogControls.h"
@@ -11,6 +12,7 @@
 #include "HostServices.h"
 #include "Messages.h"
 #include "MigrationQuestion.h"
+#include "ModalRunner.h"
 #include "ResourceLibrary.h"
 #include "ZelDbMigrate.h"
 
@@ -74,9 +76,9 @@ void CMEditDlg::BuildControls() {
     m_btnSave = MakeButton(this, tr("Save"), kIdSave);
     m_btnBlockDefs = MakeButton(this, tr("Block Definitions..."), kIdBlockDefs);
     m_btnHelp = MakeButton(this, tr("Help"), kIdHelp);
-    // The new-module, spec data, style box and block definition dialogs come
-    // later; until then their buttons stay off.
-    for (QPushButton* later : {m_btnNewModule, m_btnEditSpecs, m_btnStyleBox, m_btnBlockDefs}) {
+    // The new-module, spec data and block definition dialogs come later; until then
+    // their buttons stay off.
+    for (QPushButton* later : {m_btnNewModule, m_btnEditSpecs, m_btnBlockDefs}) {
         later->setEnabled(false);
     }
 
@@ -99,6 +101,7 @@ void CMEditDlg::BuildControls() {
     connect(m_btnInsert, &QPushButton::clicked, this, &CMEditDlg::OnInsert);
     connect(m_btnDone, &QPushButton::clicked, this, &CMEditDlg::OnDone);
     connect(m_btnSave, &QPushButton::clicked, this, [this] { OnSave(); });
+    connect(m_btnStyleBox, &QPushButton::clicked, this, &CMEditDlg::OnStyleBox);
     connect(m_btnHelp, &QPushButton::clicked, this, &CMEditDlg::ShowHelp);
     connect(m_termGrid, &CTermGridWnd::termRowChange, this,
             [this](int blockIndex, const _rowchange& change) { OnRowChange(blockIndex, &change); });
@@ -350,6 +353,13 @@ void CMEditDlg::OnRowChange(int blockIndex, const _rowchange* change) {
     }
     m_attribGrid->OnTermRowChange(blockIndex, change);
     UpdateSaveButton();
+}
+
+void CMEditDlg::OnStyleBox() {
+    CStyleBoxDlg dialog(this);
+    // The style rows of the database shown here, not of whatever the host would find.
+    dialog.SetDbPath(m_strDbPath);
+    ModalRunner::Run(dialog);
 }
 
 void CMEditDlg::ShowHelp() {

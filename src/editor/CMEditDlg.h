@@ -85,6 +85,7 @@ private:
     int OnPasteApproval(bool bMove);
     void OnCatalogRenamed();
     void OnSelectionDeleting();
+    void OnStyleBox();
     bool IsAnythingUnsaved() const;
     void ClearFlags();
     void ClearGridFlags();
