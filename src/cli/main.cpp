@@ -7,6 +7,7 @@
 #include "GuiHostUi.h"
 #include "HostSession.h"
 #include "Messages.h"
+#include "NewCommand.h"
 #include "QtMessageSink.h"
 #include "SelectCommand.h"
 
@@ -98,6 +99,9 @@ int main(int argc, char** argv) {
     }
     if (options.command == QStringLiteral("import")) {
         return RunImportCommand(options);
+    }
+    if (options.command == QStringLiteral("new")) {
+        return RunNewCommand(options);
     }
     if (options.command == QStringLiteral("blocks")) {
         return RunBlocksCommand(options);

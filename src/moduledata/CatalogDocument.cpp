@@ -63,6 +63,21 @@ QJsonArray TerminalArray(const QList<ModDB::ModTermData>& rows) {
     return terminals;
 }
 
+// The module object of one catalog of a type, under the type's names as the index holds
+// them.
+bool ModuleObject(CKVModuleDB& db, const ModDB::IndexData& type, const QString& catalog,
+                  QJsonObject& module, QString* error) {
+    ModDB::ModSpecData spec;
+    QList<ModDB::ModTermData> rows;
+    if (!db.ReadRawModule(type.TableName, catalog, spec, rows)) {
+        return Fail(error, QStringLiteral("cannot read module %1").arg(catalog) + Because(db));
+    }
+    module = IndexObject(type.Manufacturer, type.Series, type.Type);
+    module.insert(QStringLiteral("spec"), SpecObject(spec));
+    module.insert(QStringLiteral("terminals"), TerminalArray(rows));
+    return true;
+}
+
 bool ExportModules(CKVModuleDB& db, const ModDB::IndexData& type, QJsonArray& modules,
                    QString* error) {
     QList<_idandcatalognum> catalogs;
@@ -72,18 +87,28 @@ bool ExportModules(CKVModuleDB& db, const ModDB::IndexData& type, QJsonArray& mo
                     QStringLiteral("cannot list the modules of %1").arg(type.Type) + Because(db));
     }
     for (const _idandcatalognum& catalog : catalogs) {
-        ModDB::ModSpecData spec;
-        QList<ModDB::ModTermData> rows;
-        if (!db.ReadRawModule(type.TableName, catalog.strCatalog, spec, rows)) {
-            return Fail(error, QStringLiteral("cannot read module %1").arg(catalog.strCatalog) +
-                                   Because(db));
+        QJsonObject module;
+        if (!ModuleObject(db, type, catalog.strCatalog, module, error)) {
+            return false;
         }
-        QJsonObject module = IndexObject(type.Manufacturer, type.Series, type.Type);
-        module.insert(QStringLiteral("spec"), SpecObject(spec));
-        module.insert(QStringLiteral("terminals"), TerminalArray(rows));
         modules.append(module);
     }
     return true;
+}
+
+// The index row of a type, found by its table: the names as the index spells them.
+bool FindTypeRow(CKVModuleDB& db, const QString& table, ModDB::IndexData& type, QString* error) {
+    QList<ModDB::IndexData> rows;
+    if (!db.GetIndexRows(rows)) {
+        return Fail(error, QStringLiteral("cannot read the index of the database") + Because(db));
+    }
+    for (const ModDB::IndexData& row : rows) {
+        if (!row.Type.isEmpty() && row.TableName.compare(table, Qt::CaseInsensitive) == 0) {
+            type = row;
+            return true;
+        }
+    }
+    return Fail(error, QStringLiteral("the index has no type with the table %1").arg(table));
 }
 
 bool ExportStyles(CKVModuleDB& db, QJsonArray& styles, QString* error) {
@@ -384,6 +409,20 @@ bool CatalogDocument::Export(CKVModuleDB& db, QJsonObject& document, QString* er
                            {QStringLiteral("styles"), styles},
                            {QStringLiteral("prompts"), prompts}};
     return true;
+}
+
+bool CatalogDocument::ExportModule(CKVModuleDB& db, const QString& manufacturer,
+                                   const QString& series, const QString& type,
+                                   const QString& catalog, QJsonObject& module, QString* error) {
+    QString table;
+    if (!db.GetTypeTableName(manufacturer, series, type, table) || table.isEmpty()) {
+        return Fail(
+            error,
+            QStringLiteral("the database has no type %1 of %2 %3").arg(type, manufacturer, series) +
+                Because(db));
+    }
+    ModDB::IndexData row;
+    return FindTypeRow(db, table, row, error) && ModuleObject(db, row, catalog, module, error);
 }
 
 bool CatalogDocument::Import(CKVModuleDB& db, const QJsonObject& document, QString* error) {

@@ -19,6 +19,11 @@ public:
 
     // Reads everything of the open database into document.
     static bool Export(CKVModuleDB& db, QJsonObject& document, QString* error);
+    // The object of one module as "modules" of Export holds it, the names spelled as the
+    // index holds them; the names given are matched as the store matches them.
+    static bool ExportModule(CKVModuleDB& db, const QString& manufacturer, const QString& series,
+                             const QString& type, const QString& catalog, QJsonObject& module,
+                             QString* error);
     // Adds the document to the open database: everything or, on the first error,
     // nothing. A catalog code that exists already in its type is an error.
     static bool Import(CKVModuleDB& db, const QJsonObject& document, QString* error);
