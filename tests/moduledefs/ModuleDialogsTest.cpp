@@ -7,6 +7,7 @@
 #include "EditorFixture.h"
 #include "ModalRunner.h"
 #include "PlcdbProcess.h"
+#include "ViewInput.h"
 #include "ZelDbMigrate.h"
 
 #include <QAbstractItemView>
@@ -18,6 +19,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 #include <QTest>
 
@@ -162,13 +164,14 @@ TEST_F(ModuleDialogsTest, TheListsFollowTheNamesTypedOrChosen) {
     EXPECT_EQ(Items(Combo(&dialog, Dlg::kIdSeries)),
               (QStringList{QStringLiteral("NV-100"), QStringLiteral("NV-500")}));
     type(&dialog, Dlg::kIdSeries, QStringLiteral("nv-100"));
-    // The store's types first, the defaults behind them without doubles of any case.
+    // The store's types the defaults lack first, in store order, then the defaults
+    // without doubles of any case.
     EXPECT_EQ(Items(Combo(&dialog, Dlg::kIdType)),
-              (QStringList{QStringLiteral("Digital Input"), QStringLiteral("Digital Output"),
-                           QStringLiteral("Analog Input"), QStringLiteral("Relay Output")}));
+              (QStringList{QStringLiteral("Analog Input"), QStringLiteral("Digital Output"),
+                           QStringLiteral("Relay Output"), QStringLiteral("digital input")}));
     ChooseEntry(Combo(&dialog, Dlg::kIdSeries), QStringLiteral("NV-500"));
     EXPECT_EQ(Items(Combo(&dialog, Dlg::kIdType)),
-              (QStringList{QStringLiteral("Digital Input"), QStringLiteral("Relay Output")}));
+              (QStringList{QStringLiteral("Relay Output"), QStringLiteral("digital input")}));
     EXPECT_EQ(Combo(&dialog, Dlg::kIdType)->currentText(), QStringLiteral("Coil"));
 }
 
@@ -300,7 +303,11 @@ TEST_F(ModuleDialogsTest, TheModuleDataDialogShowsTheModuleAndChangesItOnlyOnOk)
             return int(kIdCancel);
         });
         script.push([&c](QDialog& prompts) {
-            static_cast<CPromptDlg&>(prompts).SetPrompts({QStringLiteral("BANK")});
+            ClickItem(*FindControl<QListWidget>(&prompts, CPromptDlg::kIdPrompts), 0);
+            QTest::keyClicks(FindControl<QLineEdit>(&prompts, CPromptDlg::kIdEntry),
+                             QStringLiteral("BANK"));
+            QTest::mouseClick(FindControl<QPushButton>(&prompts, CPromptDlg::kIdSet),
+                              Qt::LeftButton);
             return c.promptAnswer;
         });
         EXPECT_EQ(ModalRunner::Run(dialog), c.answer);
@@ -315,8 +322,11 @@ TEST_F(ModuleDialogsTest, TheModuleDataDialogShowsTheModuleAndChangesItOnlyOnOk)
         EXPECT_EQ(module.GetBoxA1(), -1.0);
         EXPECT_EQ(module.GetBoxA2(), 0.0);
         EXPECT_EQ(module.GetBoxA3(), original.GetBoxA3());
-        EXPECT_EQ(module.Prompts(),
-                  bOk && c.promptAnswer == kIdOk ? QStringList{"BANK"} : original.Prompts());
+        QStringList prompts(9, QString());
+        prompts[0] =
+            bOk && c.promptAnswer == kIdOk ? QStringLiteral("BANK") : QStringLiteral("RACK");
+        prompts[1] = QStringLiteral("SLOT");
+        EXPECT_EQ(module.Prompts(), prompts);
         EXPECT_EQ(module.GetTermCount(), 11);
     }
 }
