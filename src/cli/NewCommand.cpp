@@ -9,6 +9,7 @@
 #include "Messages.h"
 #include "ModuleDefaults.h"
 #include "ModuleSpecForm.h"
+#include "ResourceLibrary.h"
 #include "ZelUtils.h"
 
 #include <QJsonDocument>
@@ -161,22 +162,29 @@ bool TakeBox(const QString& value, NewArguments& out, QString& error) {
     return true;
 }
 
+// The twelve texts of one group.
+QStringList GroupTexts(const QStringList& boxTexts, bool bGroupB) {
+    return boxTexts.mid(bGroupB ? kGroupTexts : 0, kGroupTexts);
+}
+
+QString GroupName(bool bGroupB) {
+    return bGroupB ? QStringLiteral("B") : QStringLiteral("A");
+}
+
 // The box dialog's checks of its OK over both groups, in its order.
 bool CheckBoxGroups(const QStringList& boxTexts, QString& error) {
-    const QString groupNames[] = {QStringLiteral("A"), QStringLiteral("B")};
-    for (int group = 0; group < 2; ++group) {
-        if (BoxValueCheck::LacksAllMainValues(boxTexts.mid(group * kGroupTexts, kGroupTexts))) {
-            error =
-                QStringLiteral("--box group %1: %2").arg(groupNames[group], Messages::Format(5006));
+    for (const bool bGroupB : {false, true}) {
+        if (BoxValueCheck::LacksAllMainValues(GroupTexts(boxTexts, bGroupB))) {
+            error = QStringLiteral("--box group %1: %2")
+                        .arg(GroupName(bGroupB), Messages::Format(5006));
             return false;
         }
     }
-    for (int group = 0; group < 2; ++group) {
-        const int place =
-            BoxValueCheck::FirstUnitWithoutValue(boxTexts.mid(group * kGroupTexts, kGroupTexts));
+    for (const bool bGroupB : {false, true}) {
+        const int place = BoxValueCheck::FirstUnitWithoutValue(GroupTexts(boxTexts, bGroupB));
         if (place != 0) {
             error = QStringLiteral("--box %1%2: %3")
-                        .arg(groupNames[group])
+                        .arg(GroupName(bGroupB))
                         .arg(BoxTextOrder::FieldAt(place))
                         .arg(Messages::Format(5007));
             return false;
@@ -281,9 +289,7 @@ int ReportOutcome(ModuleSpecForm::Outcome outcome, const ModuleSpecForm& form,
         kNotMade);
 }
 
-}  // namespace
-
-int RunNewCommand(const CliOptions& options) {
+int MakeModule(const CliOptions& options) {
     NewArguments args;
     QString error;
     if (!ParseNewArguments(options.arguments, args, error)) {
@@ -310,4 +316,17 @@ int RunNewCommand(const CliOptions& options) {
     }
     std::fputs(QJsonDocument(module).toJson(QJsonDocument::Indented).constData(), stdout);
     return 0;
+}
+
+}  // namespace
+
+int RunNewCommand(const CliOptions& options) {
+    QString error;
+    // The texts of the dialog's messages and of its direction list.
+    if (LoadResDll(QStringLiteral("zel_mb"), QStringLiteral("zel_mbres"), &error) == nullptr) {
+        return Fail(error, kNotMade);
+    }
+    const int status = MakeModule(options);
+    UnloadResDll();
+    return status;
 }

@@ -70,15 +70,8 @@ TEST_F(ModuleDefaultsTest, AnAddressBaseLineIsReadButLeavesTheEntryOfNone) {
     EXPECT_EQ(form.m_nInfoNumber, 42);
 }
 
-TEST_F(ModuleDefaultsTest, MissingFilesGiveNoDefaultsNineEmptyPromptsAndNoTypes) {
-    const ModuleInfoDefaults info = ModuleDefaults::ReadInfo(m_dir.path());
-    EXPECT_FALSE(info.bHasAddrBase || info.bHasColText2 || info.bHasInfoNumber ||
-                 info.bHasTermCount || info.bHasSpecNote || info.bHasSpecTail);
+TEST_F(ModuleDefaultsTest, EveryPromptLineIsOnePromptAndAMissingFileGivesNineEmptyOnes) {
     EXPECT_EQ(ModuleDefaults::ReadPrompts(m_dir.path()), QStringList(9, QString()));
-    EXPECT_TRUE(ModuleDefaults::ReadTypes(m_dir.path()).isEmpty());
-}
-
-TEST_F(ModuleDefaultsTest, EveryPromptLineIsOnePromptWhateverItHolds) {
     write("KVDEFPMT.DAT", " RACK \n;SLOT\n\nGROUP");
     EXPECT_EQ(ModuleDefaults::ReadPrompts(m_dir.path()),
               QStringList({"RACK", ";SLOT", "", "GROUP"}));

@@ -1,6 +1,7 @@
 #include "CKVModuleDB.h"
 #include "CatalogDocument.h"
 #include "ModuleSpecForm.h"
+#include "ResourceLibrary.h"
 #include "ZelDbMigrate.h"
 #include "ZelPlcDbIO.h"
 
@@ -83,30 +84,6 @@ TEST_F(NewModuleTest, RowOneCarriesTheNamesAndTheDescriptionCutToSixtyTheOthersO
     EXPECT_EQ(rows[2]["special"].toString(), "TERM_=3");
 }
 
-TEST_F(NewModuleTest, FieldsBoxesAndDirectionReachTheStoreAndEmptyValuesStayUnset) {
-    makeStore();
-    ModuleSpecForm newForm = form("T1", "C2");
-    newForm.m_nAddrBaseIndex = 2;
-    newForm.m_strDirFlags = ModuleSpecForm::DirFlagsForChoice("OUTPUT", "4");
-    newForm.m_strSpecTail = "tail.sht";
-    newForm.m_strColText1 = "8 pts";
-    newForm.m_nTermCount = 1;
-    // Field 1 of group A lies at screen place 4, field 5 of group B at place 5.
-    newForm.m_aBoxText[6] = "2.5";
-    newForm.m_aBoxText[7] = "in";
-    newForm.m_aBoxText[12 + 9] = "mm";
-    ASSERT_EQ(newForm.CreateModule(m_path), ModuleSpecForm::Outcome::Created);
-
-    const QJsonObject spec = module("T1", "C2")["spec"].toObject();
-    EXPECT_EQ(spec["AddrBase"].toString(), "Hexadecimal");
-    EXPECT_EQ(spec["DirFlags"].toString(), "6");
-    EXPECT_EQ(spec["SpecTail"].toString(), "tail.sht");
-    EXPECT_EQ(spec["ColText1"].toString(), "8 pts");
-    EXPECT_EQ(spec["BoxA1"].toString(), "2.500000 in");
-    EXPECT_FALSE(spec.contains("BoxA2"));
-    EXPECT_FALSE(spec.contains("BoxB5"));
-}
-
 TEST_F(NewModuleTest, ANewTypeGetsItsIndexRowAndAnExistingCatalogChangesNothing) {
     makeStore();
     ModuleSpecForm newType = form("T2", "C1");
@@ -153,6 +130,11 @@ TEST(ModuleSpecForm, AddressBaseKeywordsIgnoreCaseAndAnUnknownTextKeepsTheEntry)
 }
 
 TEST(ModuleSpecForm, DirectionChoicesSetTheTwoLowBitsAndKeepTheOthers) {
+    // The choices are the texts of the direction list.
+    QString error;
+    const auto resources = ResourceLibrary::Load(BuildPath(QString()), "zel_mbres", &error);
+    ASSERT_TRUE(resources) << qPrintable(error);
+    const ResourceScope scope(resources.get());
     const struct {
         const char* choice;
         const char* flags;
@@ -170,35 +152,6 @@ TEST(ModuleSpecForm, DirectionChoicesSetTheTwoLowBitsAndKeepTheOthers) {
     EXPECT_EQ(ModuleSpecForm::DirectionMessageOf("2"), 4029);
     EXPECT_EQ(ModuleSpecForm::DirectionMessageOf("5"), 4030);
     EXPECT_EQ(ModuleSpecForm::DirectionMessageOf(""), 4031);
-}
-
-TEST(ModuleSpecForm, ModuleDataRoundTripNormalisesTheAddressBaseAndKeepsUnsetBoxes) {
-    CKVModule module;
-    module.SetAddrBase("HEX");
-    module.SetBoxA3(0.0);
-    module.SetUnitA3("mm");
-    module.SetPrompts({"RACK"});
-    ModuleSpecForm data;
-    data.FillFromModule(module);
-    // Field 3 shows first; field 1 of group A at place 4 is unset.
-    EXPECT_EQ(data.m_aBoxText[0], "0.0000");
-    EXPECT_EQ(data.m_aBoxText[1], "mm");
-    EXPECT_EQ(data.m_aBoxText[6], "");
-    EXPECT_EQ(data.m_nAddrBaseIndex, 2);
-    data.m_aPrompts = QStringList({"SLOT"});
-    data.ApplyToModule(module, false);
-    EXPECT_EQ(module.GetAddrBase(), "Hexadecimal");
-    EXPECT_EQ(module.GetBoxA3(), 0.0);
-    EXPECT_EQ(module.GetBoxA1(), -1.0);
-    EXPECT_EQ(module.Prompts(), QStringList({"RACK"}));
-
-    module.SetAddrBase("base 8");
-    data.FillFromModule(module);
-    EXPECT_EQ(data.m_nAddrBaseIndex, -1);
-    data.m_aPrompts = QStringList({"SLOT"});
-    data.ApplyToModule(module, true);
-    EXPECT_EQ(module.GetAddrBase(), "");
-    EXPECT_EQ(module.Prompts(), QStringList({"SLOT"}));
 }
 
 }  // namespace
