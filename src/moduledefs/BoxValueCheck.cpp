@@ -12,12 +12,17 @@ bool IsSeparatorChar(QChar ch, const QString& localeSep) {
     return ch == u'.' || localeSep.contains(ch);
 }
 
+// Where the value of a screen place lies among the twelve texts; its unit follows.
+qsizetype ValueSlot(int place) {
+    return 2 * qsizetype(place - 1);
+}
+
 QString ValueAt(const QStringList& twelve, int place) {
-    return twelve.value(2 * (place - 1));
+    return twelve.value(ValueSlot(place));
 }
 
 QString UnitAt(const QStringList& twelve, int place) {
-    return twelve.value(2 * (place - 1) + 1);
+    return twelve.value(ValueSlot(place) + 1);
 }
 
 QString MainValue(const QStringList& twelve, int field) {

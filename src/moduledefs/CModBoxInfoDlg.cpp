@@ -16,6 +16,8 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include <cstddef>
+
 namespace {
 
 constexpr int kGroupTexts = BoxTextOrder::kTextCount / 2;
@@ -223,7 +225,7 @@ bool CModBoxInfoDlg::CheckUnits(int group) {
 }
 
 void CModBoxInfoDlg::FocusValue(int place, bool bSelect) {
-    QLineEdit* edit = m_edtText[2 * (place - 1)];
+    QLineEdit* edit = m_edtText[2 * std::size_t(place - 1)];
     if (bSelect) {
         edit->selectAll();  // leaves the caret at the end, in view
     }
