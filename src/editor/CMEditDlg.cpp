@@ -2,6 +2,8 @@
 
 #include "BlockSettingsFolder.h"
 #include "CAttribGridWnd.h"
+#include "CModEditSpecsDlg.h"
+#include "CModNewDlg.h"
 #include "CModuleTree.h"
 #include "CPathLabel.h"
 #include "CStyleBoxDlg.h"
@@ -76,9 +78,8 @@ void CMEditDlg::BuildControls() {
     m_btnSave = MakeButton(this, tr("Save"), kIdSave);
     m_btnBlockDefs = MakeButton(this, tr("Block Definitions..."), kIdBlockDefs);
     m_btnHelp = MakeButton(this, tr("Help"), kIdHelp);
-    // The new-module, spec data and block definition dialogs come later; until then
-    // their buttons stay off.
-    for (QPushButton* later : {m_btnNewModule, m_btnEditSpecs, m_btnBlockDefs}) {
+    // The block definition dialog comes later; until then its button stays off.
+    for (QPushButton* later : {m_btnBlockDefs}) {
         later->setEnabled(false);
     }
 
@@ -103,6 +104,8 @@ void CMEditDlg::BuildControls() {
     connect(m_btnSave, &QPushButton::clicked, this, [this] { OnSave(); });
     connect(m_btnStyleBox, &QPushButton::clicked, this, &CMEditDlg::OnStyleBox);
     connect(m_btnHelp, &QPushButton::clicked, this, &CMEditDlg::ShowHelp);
+    connect(m_btnNewModule, &QPushButton::clicked, this, &CMEditDlg::OnNewModule);
+    connect(m_btnEditSpecs, &QPushButton::clicked, this, &CMEditDlg::OnEditSpecs);
     connect(m_termGrid, &CTermGridWnd::termRowChange, this,
             [this](int blockIndex, const _rowchange& change) { OnRowChange(blockIndex, &change); });
     connect(m_termGrid, &CTermGridWnd::modifiedFlagChanged, this, &CMEditDlg::UpdateSaveButton);
@@ -112,7 +115,11 @@ void CMEditDlg::BuildControls() {
     connect(m_tree, &CModuleTree::moduleSelectionChanged, this, &CMEditDlg::OnSelChanged);
     connect(m_tree, &CModuleTree::catalogRenamed, this, &CMEditDlg::OnCatalogRenamed);
     connect(m_tree, &CModuleTree::selectionDeleting, this, &CMEditDlg::OnSelectionDeleting);
-    // New on a type or catalog opens the new-module dialog, which comes later.
+    // New on a type or catalog opens the new-module dialog with that item's names.
+    connect(m_tree, &CModuleTree::newModuleRequested, this, [this](QTreeWidgetItem* item) {
+        m_hNewItem = item;
+        OnNewModule();
+    });
 }
 
 void CMEditDlg::SetDbPath(const QString& path) {
@@ -301,7 +308,7 @@ void CMEditDlg::OnSelChanged(QTreeWidgetItem* item) {
     QString table;
     m_stcTable->setText(m_tree->GetTableOfItem(table) ? Messages::Format(4020, {table})
                                                       : QString());
-    // Edit Specs would follow m_bModuleLoaded; it stays off until its dialog exists.
+    m_btnEditSpecs->setEnabled(m_bModuleLoaded);
     ClearFlags();
     UpdateSaveButton();
 }
@@ -316,6 +323,45 @@ int CMEditDlg::OnPasteApproval(bool bMove) {
         UpdateSaveButton();
     }
     return 1;
+}
+
+void CMEditDlg::OnNewModule() {
+    QString manufacturer, series, type;
+    // A manufacturer or series alone gives the names it has.
+    m_tree->GetItemPath(manufacturer, series, type, m_hNewItem, true);
+    m_hNewItem = nullptr;
+    CModNewDlg dialog(this);
+    dialog.SetDbPath(m_strDbPath);
+    dialog.SetManufacturer(manufacturer);
+    dialog.SetSeries(series);
+    dialog.SetType(type);
+    if (ModalRunner::Run(dialog) != kIdOk) {
+        return;
+    }
+    if (m_tree->AddModuleItem(dialog.GetManufacturer(), dialog.GetSeries(), dialog.GetType(),
+                              dialog.GetCatalog())) {
+        m_tree->SelectModule(dialog.GetManufacturer(), dialog.GetSeries(), dialog.GetType(),
+                             dialog.GetCatalog());
+    }
+}
+
+void CMEditDlg::OnEditSpecs() {
+    CKVModule* module = GetCurrentModule();
+    if (!module) {
+        return;
+    }
+    QString manufacturer, series, type;
+    if (m_tree->GetItemPath(manufacturer, series, type)) {
+        CModEditSpecsDlg dialog(module, this);
+        dialog.SetDbPath(m_strDbPath);
+        dialog.SetManufacturer(manufacturer);
+        dialog.SetSeries(series);
+        dialog.SetType(type);
+        if (ModalRunner::Run(dialog) == kIdOk) {
+            MarkSpecChanged();
+        }
+    }
+    UpdateSaveButton();
 }
 
 void CMEditDlg::OnCatalogRenamed() {

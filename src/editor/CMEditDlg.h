@@ -61,6 +61,11 @@ public:
     void UpdateSaveButton();
     // The open module's spec data was changed (its dialog's OK).
     void MarkSpecChanged();
+    // Makes a module with the names of the tree's new item, or of the selection, and
+    // selects it in the tree.
+    void OnNewModule();
+    // The open module's data in its dialog; OK marks it changed.
+    void OnEditSpecs();
 
     // The terminal grid's row change and the flush before a save: the attribute grid
     // stores what it shows into the row left and shows the new row.
@@ -114,5 +119,6 @@ private:
     int m_nHandle = -1;
     bool m_bRowsDirty = false;
     bool m_bSpecDirty = false;
+    QTreeWidgetItem* m_hNewItem = nullptr;
     bool m_bInited = false;
 };

@@ -2,6 +2,8 @@
 
 #include "TestSupport.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -47,4 +49,19 @@ PlcdbRun RunPlcdb(const QStringList& args, const QByteArray& input) {
 
 PlcdbRun RunPlcdbIn(const QString& folder, const QStringList& args, const QByteArray& input) {
     return Run(BuildPath(QStringLiteral("plcdb")), folder, args, input);
+}
+
+QJsonObject ExportedModule(const QString& database, const QString& catalog) {
+    const PlcdbRun run = RunPlcdb({QStringLiteral("--db"), database, QStringLiteral("export")});
+    const QJsonArray modules = QJsonDocument::fromJson(run.out.toUtf8())
+                                   .object()
+                                   .value(QStringLiteral("modules"))
+                                   .toArray();
+    for (const QJsonValue& module : modules) {
+        const QJsonObject spec = module.toObject().value(QStringLiteral("spec")).toObject();
+        if (spec.value(QStringLiteral("Code")).toString() == catalog) {
+            return module.toObject();
+        }
+    }
+    return {};
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -17,3 +18,6 @@ PlcdbRun RunPlcdb(const QString& program, const QStringList& args, const QByteAr
 PlcdbRun RunPlcdb(const QStringList& args, const QByteArray& input = {});
 // The plcdb of the build, started in folder, as a user who has changed into it.
 PlcdbRun RunPlcdbIn(const QString& folder, const QStringList& args, const QByteArray& input = {});
+// The module object of catalog in the document that a plcdb export of database writes;
+// empty when there is none.
+QJsonObject ExportedModule(const QString& database, const QString& catalog);

@@ -19,6 +19,8 @@ void EditorFixture::startHost(int precision) {
     config.supportPath = {m_dir.path(), BuildPath(QStringLiteral("sample"))};
     config.kvLib = BuildPath(QStringLiteral("sample/blocks"));
     config.linearPrecision = precision;
+    // The default files of a new module are the test's own, beside its database.
+    config.programDir = m_dir.path();
     m_host = std::make_unique<StandaloneHost>(config);
     m_host->setReporter([](const QString&) {});
     m_host->openDocument();

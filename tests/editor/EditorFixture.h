@@ -11,8 +11,9 @@
 
 #include <memory>
 
-// A copy of the sample database in a temporary folder that is the host's search path,
-// the resource library's texts, the process store and scripted message answers.
+// A copy of the sample database in a temporary folder that is the host's search path and
+// program folder, the resource library's texts, the process store and scripted message
+// answers.
 class EditorFixture : public testing::Test {
 protected:
     void SetUp() override;
