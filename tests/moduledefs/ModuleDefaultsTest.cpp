@@ -39,7 +39,7 @@ const InfoCase kInfoCases[] = {
      true, "col 2", "", ""},
     {"comment and empty lines do not count as data lines",
      "a\n;x\n\nb ;no data\n;two\nc\n;3\n;12\n", 12, true, "two", "", ""},
-    {"lines 17 and 18 are the spec note and tail, 19 is ignored",
+    {"lines 17 and 18 are the note and tail drawings, 19 is ignored",
      ";\n;\n;\n;4\n;\n;\n;\n;\n;\n;\n;\n;\n;\n;\n;\n;\n;note.sht\n;tail.sht\n;19\n", 4, true, "",
      "note.sht", "tail.sht"},
 };
