@@ -12,6 +12,7 @@
 #include "ResourceLibrary.h"
 #include "ZelUtils.h"
 
+#include <QDir>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMap>
@@ -305,6 +306,15 @@ int MakeModule(const CliOptions& options) {
     }
     ModuleSpecForm form;
     FillForm(args, form);
+    // The dialog refuses such a count on OK; a default file may still hold one.
+    if (form.m_nTermCount > ModuleSpecForm::kMaxTermCount) {
+        return Fail(
+            QStringLiteral("%1 of %2 asks for %3 terminals, more than %4; give --terminals")
+                .arg(ModuleDefaults::kInfoFile, QDir::toNativeSeparators(ModuleDefaults::Folder()))
+                .arg(form.m_nTermCount)
+                .arg(ModuleSpecForm::kMaxTermCount),
+            kNotMade);
+    }
     const int status = ReportOutcome(form.CreateModule(session.db().GetPath()), form, session);
     if (status != 0) {
         return status;

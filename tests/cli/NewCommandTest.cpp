@@ -106,6 +106,7 @@ struct Refusal {
     std::function<bool(const QString&)> make;
     const char* catalog;
     const char* error;
+    const char* infoDefaults = nullptr;  // KVDEFINF.DAT of the program folder, when given
 };
 
 TEST(NewCommand, RefusesWithStatusOneAndLeavesTheFileAsItWas) {
@@ -125,6 +126,9 @@ TEST(NewCommand, RefusesWithStatusOneAndLeavesTheFileAsItWas) {
          },
          "C2", "plcdb new: cannot write to the database FILE: made by a newer plcdb\n"},
         {"an old file", MakeVersion1Type, "C2", "c:ZLPLCMIGRATE"},
+        // A default count that the dialog's range check refuses made 99999 rows here.
+        {"a default count past the limit", withC1, "C2", "asks for 99999 terminals",
+         "\n;\n;\n;\n;99999\n"},
     };
     int number = 0;
     for (const Refusal& c : cases) {
@@ -132,7 +136,12 @@ TEST(NewCommand, RefusesWithStatusOneAndLeavesTheFileAsItWas) {
         const QString path = dir.filePath(QString::number(++number) + ".mdb");
         ASSERT_TRUE(c.make(path));
         const QByteArray before = ReadBytes(path);
+        if (c.infoDefaults) {
+            ASSERT_TRUE(WriteFile(dir.filePath("KVDEFINF.DAT"), c.infoDefaults));
+            qputenv("PLCDB_PROGRAM_DIR", dir.path().toUtf8());
+        }
         const PlcdbRun run = New(path, kNames + QStringList{"--catalog", c.catalog});
+        qunsetenv("PLCDB_PROGRAM_DIR");
         EXPECT_EQ(run.status, 1);
         EXPECT_TRUE(run.err.contains(QString::fromUtf8(c.error).replace("FILE", path)))
             << qPrintable(run.err);
