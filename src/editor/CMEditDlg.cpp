@@ -29,17 +29,6 @@ namespace {
 
 constexpr int kCaption = 5000;
 
-// The check's first-time flag: nothing in this program ever sets it.
-constexpr bool kFirstMigrationCheck = false;
-
-QPushButton* MakeButton(QWidget* parent, const QString& text, int id) {
-    auto* button = new QPushButton(text, parent);
-    SetControlId(button, id);
-    // Return belongs to the dialog's own handling, never to a default button.
-    button->setAutoDefault(false);
-    return button;
-}
-
 }  // namespace
 
 CMEditDlg::CMEditDlg(QWidget* parent) : QDialog(parent) {
@@ -279,9 +268,7 @@ bool CMEditDlg::OnSelChanging(QTreeWidgetItem* item) {
     if (!m_tree->GetTableOfItem(table, item)) {
         return true;
     }
-    bool bRequired = true;
-    CheckForMigration(m_strDbPath, bRequired, kFirstMigrationCheck, table);
-    if (!bRequired) {
+    if (!TableNeedsMigration(m_strDbPath, table)) {
         return true;
     }
     return AskToMigrate(m_strDbPath);

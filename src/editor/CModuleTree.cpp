@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPersistentModelIndex>
 #include <QStyledItemDelegate>
 
 namespace {
@@ -31,9 +32,6 @@ constexpr int kDataRole = Qt::UserRole;
 constexpr int kShortNameLimit = 24;  // manufacturer and series
 constexpr int kTypeNameLimit = 60;
 const char* const kMruKey = "Settings\\MRUPLC";
-
-// The migration check of a type's table is asked once per process as a first check.
-bool g_firstMigrationCheck = false;
 
 // Edits a label with the length limit of its level, and leaves writing the new
 // text to the tree, which decides whether the name stands.
@@ -238,10 +236,7 @@ bool CModuleTree::ExpandType(QTreeWidgetItem* item) {
     }
     if (m_bEditMode) {
         // An older file is upgraded by the owner's handling of the same selection.
-        bool bRequired = true;
-        CheckForMigration(m_strDbPath, bRequired, g_firstMigrationCheck, table);
-        g_firstMigrationCheck = false;
-        if (bRequired) {
+        if (TableNeedsMigration(m_strDbPath, table)) {
             return true;
         }
     }
@@ -665,8 +660,16 @@ void CModuleTree::OnNew() {
     }
     const int level = Level(item);
     if (level == kLevelType || level == kLevelCatalog) {
+        // The item may go before the queued call runs; a persistent index notices.
+        const QPersistentModelIndex index = indexFromItem(item);
         QMetaObject::invokeMethod(
-            this, [this, item] { emit newModuleRequested(item); }, Qt::QueuedConnection);
+            this,
+            [this, index] {
+                if (index.isValid()) {
+                    emit newModuleRequested(itemFromIndex(index));
+                }
+            },
+            Qt::QueuedConnection);
         return;
     }
     if (level == kNoLevel) {

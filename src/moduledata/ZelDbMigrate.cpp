@@ -58,6 +58,18 @@ bool Upgrade(SqliteDb& db, const QString& path, int version) {
 
 }  // namespace
 
+namespace {
+// Shared by every caller of the check in this process; nothing sets it.
+bool g_firstMigrationCheck = false;
+}  // namespace
+
+bool TableNeedsMigration(const QString& path, const QString& table) {
+    bool bRequired = true;
+    CheckForMigration(path, bRequired, g_firstMigrationCheck, table);
+    g_firstMigrationCheck = false;
+    return bRequired;
+}
+
 void CheckForMigration(const QString& path, bool& bRequired, bool bFirstCheck, QString table) {
     Q_UNUSED(bFirstCheck);
     Q_UNUSED(table);

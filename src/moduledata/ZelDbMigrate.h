@@ -11,6 +11,11 @@ using MigrationHelpCallback = void (*)();
 // The schema is shared by all types, so table doesn't change the answer.
 void CheckForMigration(const QString& path, bool& bRequired, bool bFirstCheck, QString table);
 
+// Whether the file at path must be upgraded before table is used: CheckForMigration with
+// a preset true, so that a file that can't be read blocks too, and the process-wide
+// first-check flag, which every check clears.
+bool TableNeedsMigration(const QString& path, const QString& table);
+
 // Upgrades the file at path to the current version after copying it to a fresh backup
 // beside it ("NAME.v1.bak", "NAME.v1.2.bak", ...). True when an upgrade was carried out;
 // false for a current, missing, unreadable or write-protected file. The process-wide

@@ -44,13 +44,6 @@ QLineEdit* MakeEdit(QWidget* parent, int id) {
     return edit;
 }
 
-QPushButton* MakeButton(QWidget* parent, const QString& text, int id) {
-    auto* button = new QPushButton(text, parent);
-    SetControlId(button, id);
-    button->setAutoDefault(false);
-    return button;
-}
-
 }  // namespace
 
 CModDataDlgBase::CModDataDlgBase(QWidget* parent) : QDialog(parent) {

@@ -9,9 +9,6 @@
 
 namespace {
 
-// The check's first-time flag, as the editor hands it: nothing in this program sets it.
-constexpr bool kFirstMigrationCheck = false;
-
 constexpr int kInputBit = 1;
 constexpr int kOutputBit = 2;
 constexpr int kDescriptionCharsInRow = 60;
@@ -245,9 +242,7 @@ ModuleSpecForm::Outcome ModuleSpecForm::CreateModule(const QString& dbPath) {
     if (db.GetTypeTableName(m_strManufacturer, m_strSeries, m_strType, table)) {
         // A type table of an older file lacks fields this module needs: nothing is made,
         // even after an upgrade, so that the user confirms again.
-        bool bRequired = true;
-        CheckForMigration(dbPath, bRequired, kFirstMigrationCheck, table);
-        if (bRequired) {
+        if (TableNeedsMigration(dbPath, table)) {
             db.Close();
             return Outcome::NeedsMigration;
         }

@@ -2,6 +2,7 @@
 
 #include "HostServices.h"
 
+#include <QPushButton>
 #include <QVariant>
 #include <QtMath>
 
@@ -25,6 +26,13 @@ int ControlId(const QWidget* control) {
 
 QString ControlName(int id) {
     return QStringLiteral("ctl_%1").arg(id);
+}
+
+QPushButton* MakeButton(QWidget* parent, const QString& text, int id) {
+    auto* button = new QPushButton(text, parent);
+    SetControlId(button, id);
+    button->setAutoDefault(false);
+    return button;
 }
 
 int ScaledX(int size) {

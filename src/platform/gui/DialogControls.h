@@ -3,6 +3,8 @@
 #include <QString>
 #include <QWidget>
 
+class QPushButton;
+
 // Dialogs name their controls by number, as their descriptions do: a control carries
 // its number as the property "controlId" and as the object name "ctl_<number>".
 void SetControlId(QWidget* control, int id);
@@ -16,6 +18,10 @@ template <class T>
 T* FindControl(QWidget* dialog, int id) {
     return dialog ? dialog->findChild<T*>(ControlName(id)) : nullptr;
 }
+
+// A push button with its number that never becomes the default button, so that Return
+// stays with the dialog's own handling.
+QPushButton* MakeButton(QWidget* parent, const QString& text, int id);
 
 // A size given at scale 1, multiplied by the monitor's scale of its direction.
 int ScaledX(int size);
