@@ -20,7 +20,6 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QHelpEvent>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -94,7 +93,7 @@ public:
 
 }  // namespace
 
-CMSelDlg::CMSelDlg(QWidget* parent) : QDialog(parent) {
+CMSelDlg::CMSelDlg(QWidget* parent) : HelpDialog(parent, QStringLiteral("plc_selection")) {
     BuildControls();
 }
 
@@ -488,10 +487,6 @@ void CMSelDlg::OnExtract() {
     m_btnExtract->setFocus();
 }
 
-void CMSelDlg::ShowHelp() {
-    HostHelp(QString(), QStringLiteral("plc_selection"), 0);
-}
-
 void CMSelDlg::OnPromptReport() {
     QTreeWidgetItem* root = m_tree->topLevelItemCount() ? m_tree->topLevelItem(0) : nullptr;
     if (!root || root->childCount() == 0) {
@@ -529,13 +524,4 @@ void CMSelDlg::OnPromptReport() {
     AppendLines(QString::fromLatin1(kPromptFileFile), fileLines);
     Messages::ShowText(QStringLiteral("Generated List of Prompt Strings saved at: ") +
                        QString::fromLatin1(kPromptCountFile));
-}
-
-void CMSelDlg::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F1) {
-        ShowHelp();
-        event->accept();
-        return;
-    }
-    QDialog::keyPressEvent(event);
 }

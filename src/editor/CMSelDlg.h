@@ -1,10 +1,9 @@
 #pragma once
 
 #include "CDib.h"
+#include "HelpDialog.h"
 #include "HostValue.h"
 #include "SelectionChoices.h"
-
-#include <QDialog>
 
 class CModuleTree;
 class CPathLabel;
@@ -21,7 +20,7 @@ class QTreeWidgetItem;
 // The module selection: the user walks the tree to a catalog, picks a style, an
 // orientation and a scale, and the dialog answers the value list of that module.
 // It only reads the database.
-class CMSelDlg : public QDialog {
+class CMSelDlg : public HelpDialog {
     Q_OBJECT
 
 public:
@@ -71,7 +70,6 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void BuildControls();
@@ -87,7 +85,6 @@ private:
     QTreeWidgetItem* ListedCatalog(QTreeWidgetItem* typeItem) const;
     QTreeWidgetItem* ChosenCatalog() const;
     void OnExtract();
-    void ShowHelp();
 
     CModuleTree* m_tree;
     QPushButton* m_btnOK;

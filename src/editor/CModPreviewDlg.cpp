@@ -4,13 +4,12 @@
 #include "SheetPreview.h"
 
 #include <QDialogButtonBox>
-#include <QKeyEvent>
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
 
 CModPreviewDlg::CModPreviewDlg(QWidget* parent)
-    : QDialog(parent), m_preview(new SheetPreview(this)) {
+    : HelpDialog(parent, QString()), m_preview(new SheetPreview(this)) {
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
     m_btnOK = buttons->button(QDialogButtonBox::Ok);
     SetControlId(m_preview, kIdPreview);
@@ -51,13 +50,4 @@ void CModPreviewDlg::showEvent(QShowEvent* event) {
     if (!m_bInited && !OnInitDialog()) {
         QTimer::singleShot(0, this, &QDialog::reject);
     }
-}
-
-void CModPreviewDlg::keyPressEvent(QKeyEvent* event) {
-    // The help key has no page here: it is taken and nothing happens.
-    if (event->key() == Qt::Key_F1) {
-        event->accept();
-        return;
-    }
-    QDialog::keyPressEvent(event);
 }

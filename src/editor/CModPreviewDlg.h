@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QDialog>
+#include "HelpDialog.h"
 
 class SheetPreview;
 class QPushButton;
 
 // Shows a drawing file in a preview. It cancels itself when the file cannot be shown.
-class CModPreviewDlg : public QDialog {
+class CModPreviewDlg : public HelpDialog {
     Q_OBJECT
 
 public:
@@ -23,7 +23,6 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     QString m_strTitle;

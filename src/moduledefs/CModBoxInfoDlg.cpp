@@ -9,7 +9,6 @@
 #include <QButtonGroup>
 #include <QDialogButtonBox>
 #include <QGridLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -42,7 +41,7 @@ int GroupValueIndex(int field) {
 }  // namespace
 
 CModBoxInfoDlg::CModBoxInfoDlg(QWidget* parent)
-    : QDialog(parent),
+    : HelpDialog(parent, QStringLiteral("plc_modbox_dims")),
       m_aGroupA(kGroupTexts),
       m_aGroupB(kGroupTexts),
       m_aShown(kGroupTexts),
@@ -240,17 +239,4 @@ void CModBoxInfoDlg::accept() {
     if (CheckGroups()) {
         QDialog::accept();
     }
-}
-
-void CModBoxInfoDlg::ShowHelp() {
-    HostHelp(QString(), QStringLiteral("plc_modbox_dims"), 0);
-}
-
-void CModBoxInfoDlg::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F1) {
-        ShowHelp();
-        event->accept();
-        return;
-    }
-    QDialog::keyPressEvent(event);
 }

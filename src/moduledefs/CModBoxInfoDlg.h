@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QDialog>
+#include "HelpDialog.h"
+
 #include <QStringList>
 
 class QLineEdit;
@@ -10,7 +11,7 @@ class QRadioButton;
 // value and unit pairs, shown one group at a time on the same edits. The callers hold
 // values with "." as decimal separator; the dialog shows the locale's. It only checks
 // the texts; the callers take them back after OK.
-class CModBoxInfoDlg : public QDialog {
+class CModBoxInfoDlg : public HelpDialog {
     Q_OBJECT
 
 public:
@@ -97,7 +98,6 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void SetValue(bool bGroupB, int field, const QString& text);
@@ -118,7 +118,6 @@ private:
     bool CheckMainValues(int group);
     bool CheckUnits(int group);
     void FocusValue(int place, bool bSelect);
-    void ShowHelp();
 
     QStringList m_aGroupA;  // value, unit per screen place; locale separator
     QStringList m_aGroupB;

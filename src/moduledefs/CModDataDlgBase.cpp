@@ -13,7 +13,6 @@
 #include <QFocusEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -46,7 +45,8 @@ QLineEdit* MakeEdit(QWidget* parent, int id) {
 
 }  // namespace
 
-CModDataDlgBase::CModDataDlgBase(QWidget* parent) : QDialog(parent) {
+CModDataDlgBase::CModDataDlgBase(QWidget* parent, const QString& helpTopic)
+    : HelpDialog(parent, helpTopic) {
     BuildControls();
     ConnectControls();
 }
@@ -182,15 +182,6 @@ void CModDataDlgBase::showEvent(QShowEvent* event) {
         m_bStarted = true;
         OnInitDialog();
     }
-}
-
-void CModDataDlgBase::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F1) {
-        ShowHelp();
-        event->accept();
-        return;
-    }
-    QDialog::keyPressEvent(event);
 }
 
 bool CModDataDlgBase::eventFilter(QObject* watched, QEvent* event) {
@@ -422,8 +413,4 @@ void CModDataDlgBase::OnBoxInfo() {
     if (ModalRunner::Run(dialog) == kIdOk) {
         m_form.m_aBoxText = dialog.GetTexts();
     }
-}
-
-void CModDataDlgBase::ShowHelp() {
-    HostHelp(QString(), HelpTopic(), 0);
 }

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "HelpDialog.h"
 #include "ModuleSpecForm.h"
-
-#include <QDialog>
 
 class QComboBox;
 class QLineEdit;
@@ -13,7 +12,7 @@ class QScrollBar;
 // share: names, catalog, texts, file references, terminal count, address base,
 // direction, prompts and box dimensions. The rules live in the form; the dialog shows
 // its members and forwards the user's edits to it.
-class CModDataDlgBase : public QDialog {
+class CModDataDlgBase : public HelpDialog {
     Q_OBJECT
 
 public:
@@ -71,10 +70,9 @@ public:
     void UpdateOkButton(int nCode);
 
 protected:
-    explicit CModDataDlgBase(QWidget* parent);
+    CModDataDlgBase(QWidget* parent, const QString& helpTopic);
 
     void showEvent(QShowEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
     // Start-up on the first show.
@@ -83,7 +81,6 @@ protected:
     virtual void RefillTypes(bool bUseSelection) = 0;
     // Whether the name and catalog edits are trimmed and cut as the user types.
     virtual bool TrimsTexts() const = 0;
-    virtual QString HelpTopic() const = 0;
 
     // Address base and direction entries; the direction's edit part is read-only.
     void FillDropDowns();
@@ -139,7 +136,6 @@ private:
     void OnBrowse(QLineEdit* edit, int filterMessage);
     void OnPrompts();
     void OnBoxInfo();
-    void ShowHelp();
     // Left trim, then the cut at maxChars with the caret behind the last character.
     void TrimLeftAndCut(QLineEdit* edit, int maxChars);
     void TrimRight(QLineEdit* edit);

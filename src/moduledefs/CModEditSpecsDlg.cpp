@@ -9,7 +9,7 @@
 #include <QScrollBar>
 
 CModEditSpecsDlg::CModEditSpecsDlg(CKVModule* module, QWidget* parent)
-    : CModDataDlgBase(parent), m_pModule(module) {}
+    : CModDataDlgBase(parent, QStringLiteral("plc_mod_specs")), m_pModule(module) {}
 
 void CModEditSpecsDlg::OnInitDialog() {
     FillDropDowns();

@@ -21,7 +21,6 @@ protected:
     void RefillSeries(bool bUseSelection) override;
     void RefillTypes(bool bUseSelection) override;
     bool TrimsTexts() const override { return false; }
-    QString HelpTopic() const override { return QStringLiteral("plc_mod_specs"); }
 
 private:
     void MoveToParentTop();

@@ -7,7 +7,8 @@
 #include <QComboBox>
 #include <QLineEdit>
 
-CModNewDlg::CModNewDlg(QWidget* parent) : CModDataDlgBase(parent) {}
+CModNewDlg::CModNewDlg(QWidget* parent)
+    : CModDataDlgBase(parent, QStringLiteral("plc_new_module")) {}
 
 void CModNewDlg::OnInitDialog() {
     FillDropDowns();

@@ -19,7 +19,6 @@ protected:
     void RefillSeries(bool bUseSelection) override;
     void RefillTypes(bool bUseSelection) override;
     bool TrimsTexts() const override { return true; }
-    QString HelpTopic() const override { return QStringLiteral("plc_new_module"); }
 
 private:
     void ApplyInfoDefaults(const ModuleInfoDefaults& defaults);

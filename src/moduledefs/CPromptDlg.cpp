@@ -7,7 +7,6 @@
 #include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -24,7 +23,7 @@ int SelectedRow(const CMScrollListBox* list) {
 }  // namespace
 
 CPromptDlg::CPromptDlg(QWidget* parent)
-    : QDialog(parent),
+    : HelpDialog(parent, QStringLiteral("plc_mod_prompts")),
       m_lstLabels(new CMScrollListBox(this)),
       m_lstPrompts(new CMScrollListBox(this)),
       m_edtEntry(new QLineEdit(this)) {
@@ -135,17 +134,4 @@ void CPromptDlg::accept() {
         m_aPrompts.append(prompt ? prompt->text() : QString());
     }
     QDialog::accept();
-}
-
-void CPromptDlg::ShowHelp() {
-    HostHelp(QString(), QStringLiteral("plc_mod_prompts"), 0);
-}
-
-void CPromptDlg::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F1) {
-        ShowHelp();
-        event->accept();
-        return;
-    }
-    QDialog::keyPressEvent(event);
 }

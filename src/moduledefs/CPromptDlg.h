@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QDialog>
+#include "HelpDialog.h"
+
 #include <QStringList>
 
 class CMScrollListBox;
@@ -10,7 +11,7 @@ class QLineEdit;
 // ("%%1", "%%2", ...): a list of labels and a list of prompts side by side, kept in
 // step, and an entry line whose text the set button puts in place of the chosen prompt.
 // Works on its own copy; the caller takes it back after OK. The count is the caller's.
-class CPromptDlg : public QDialog {
+class CPromptDlg : public HelpDialog {
     Q_OBJECT
 
 public:
@@ -34,7 +35,6 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void OnInitDialog();
@@ -43,7 +43,6 @@ private:
     bool ReplaceSelectedPrompt(const QString& text);
     void FollowSelection(CMScrollListBox* from, CMScrollListBox* to);
     void FollowScroll(int topIndex);
-    void ShowHelp();
 
     QStringList m_aPrompts;
     QString m_strEntry;

@@ -12,7 +12,6 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -42,7 +41,8 @@ QRadioButton* MakeRadio(QWidget* parent, const QString& text, int id, QButtonGro
 
 }  // namespace
 
-CStyleBoxDlg::CStyleBoxDlg(QWidget* parent) : QDialog(parent) {
+CStyleBoxDlg::CStyleBoxDlg(QWidget* parent)
+    : HelpDialog(parent, QStringLiteral("plc_style_bound")) {
     BuildControls();
 }
 
@@ -233,17 +233,4 @@ void CStyleBoxDlg::accept() {
         return;
     }
     QDialog::accept();
-}
-
-void CStyleBoxDlg::ShowHelp() {
-    HostHelp(QString(), QStringLiteral("plc_style_bound"), 0);
-}
-
-void CStyleBoxDlg::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F1) {
-        ShowHelp();
-        event->accept();
-        return;
-    }
-    QDialog::keyPressEvent(event);
 }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "CDib.h"
+#include "HelpDialog.h"
 #include "StyleBoxTable.h"
 
-#include <QDialog>
 #include <QStringList>
 
 #include <array>
@@ -15,7 +15,7 @@ class QLineEdit;
 // Edits the box bounds of the nine symbol styles. One style and one of its two groups
 // are shown at a time; leaving a style or a group checks what is shown, and OK writes
 // all nine rows back to the store. The rules live in StyleBoxTable.
-class CStyleBoxDlg : public QDialog {
+class CStyleBoxDlg : public HelpDialog {
     Q_OBJECT
 
 public:
@@ -47,7 +47,6 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void BuildControls();
@@ -58,7 +57,6 @@ private:
     void TransferToControls();
     // Checks the shown texts and keeps them in the group; a failure is shown to the user.
     bool StoreShown(int group);
-    void ShowHelp();
 
     StyleBoxTable m_table;
     QStringList m_aShown;

@@ -18,7 +18,6 @@
 #include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -63,7 +62,7 @@ void SetupPictureList(QListWidget* list) {
 
 }  // namespace
 
-CPickTerm::CPickTerm(QWidget* parent) : QDialog(parent) {
+CPickTerm::CPickTerm(QWidget* parent) : HelpDialog(parent, QStringLiteral("select_term_info")) {
     BuildControls();
 }
 
@@ -405,16 +404,4 @@ void CPickTerm::SaveRecentTerms(const QStringList& list) {
     for (int i = 0; i < list.size(); ++i) {
         key.SetValue(kRecentEntry.arg(i + 1), list[i]);
     }
-}
-
-void CPickTerm::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F1) {
-        ShowHelp();
-        return;
-    }
-    QDialog::keyPressEvent(event);
-}
-
-void CPickTerm::ShowHelp() {
-    HostHelp(QString(), QStringLiteral("select_term_info"), 0);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QDialog>
+#include "HelpDialog.h"
+
 #include <QSize>
 #include <QStringList>
 
@@ -15,7 +16,7 @@ class QListWidget;
 // the six most recently chosen, and the show, re-prompt, break and spacing values. It
 // hands back values and changes nothing but the recent list, which it writes as soon
 // as a block is selected.
-class CPickTerm : public QDialog {
+class CPickTerm : public HelpDialog {
     Q_OBJECT
 
 public:
@@ -74,7 +75,6 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void BuildControls();
@@ -93,7 +93,6 @@ private:
     // missing one; answers that size.
     static QSize FillImages(QListWidget& list, const QStringList& paths);
     static QSize FitImageSize(const QStringList& paths);
-    void ShowHelp();
 
     QListWidget* m_lstCategories;
     QLabel* m_stcBlockCaption;
