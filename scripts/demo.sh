@@ -29,6 +29,17 @@ echo "\$ plcdb blocks | head -c 600"
 echo "..."
 echo
 show blocks --find 'HP?DI'
+# A new module, made on a copy of the sample as the editor's New Module does, with the
+# defaults of the default files beside plcdb.
+copy=build/demo-new.mdb
+cp "$sample" "$copy"
+show --db "$copy" new --manufacturer "Norvale Controls" --series NV-100 \
+    --type "Digital Input" --catalog NV-1104D --terminals 3 --description "Four inputs" \
+    --box A1=2.5in --box A2=4in
+# The same catalog again is refused, and the copy stays as it was.
+show --db "$copy" new --manufacturer "Norvale Controls" --series NV-100 \
+    --type "Digital Input" --catalog NV-1104D
+rm -f "$copy" "$copy-wal" "$copy-shm"
 show call '(zel_delay 1)'
 # An integer where the style text belongs: the selection answers nil at once.
 show call "(zel_mbsel '(0 \"\" nil 5 \"V\" 1.0 nil \"\" nil))"
