@@ -1,6 +1,5 @@
 #include "CMBApplet.h"
 #include "CommandDispatcher.h"
-#include "ResourceLibrary.h"
 #include "StandaloneHost.h"
 #include "TestSupport.h"
 #include "ZelPlcDbIO.h"
@@ -43,11 +42,7 @@ bool g_editorAnswer = false;
 class DispatcherTest : public testing::Test {
 protected:
     void SetUp() override {
-        QString error;
-        m_resources =
-            ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"), &error);
-        ASSERT_TRUE(m_resources) << qPrintable(error);
-        SetCurrentResources(m_resources.get());
+        ASSERT_TRUE(m_texts.loaded()) << qPrintable(m_texts.error());
         m_host.setReporter([this](const QString& text) { m_reports << text; });
         m_host.openDocument();
         SetCurrentHost(&m_host);
@@ -58,14 +53,13 @@ protected:
         CommandDispatcher::SetEditorRunner(nullptr);
         CMBApplet::SetStoreFactory(nullptr);
         SetCurrentHost(nullptr);
-        SetCurrentResources(nullptr);
     }
     void start() {
         ASSERT_EQ(m_applet.initApplication(), 0);
         ASSERT_EQ(m_applet.loadDocument(), 0);
     }
 
-    std::unique_ptr<ResourceLibrary> m_resources;
+    ProgramTexts m_texts;
     RefusingHost m_host;
     CMBApplet m_applet;
     ScriptedMessages m_messages;

@@ -21,6 +21,14 @@ QString SampleNv1408List(const char* style2, const char* number32, const char* n
              QString::fromLatin1(number6));
 }
 
+ProgramTexts::ProgramTexts()
+    : m_library(
+          ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"), &m_error)) {
+    if (m_library) {
+        m_scope.emplace(m_library.get());
+    }
+}
+
 ScriptedMessages::ScriptedMessages() {
     Messages::SetSink(this);
 }

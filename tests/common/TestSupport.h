@@ -2,10 +2,13 @@
 
 #include "HostUi.h"
 #include "MessageSink.h"
+#include "ResourceLibrary.h"
 
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+#include <optional>
 #include <ostream>
 #include <vector>
 
@@ -17,6 +20,20 @@ QString SourcePath(const QString& name);
 // places 2, 4 and 6 fall back on the style row: the style's text of place 2 and the
 // numbers of places 3 and 6 as the host's precision prints them.
 QString SampleNv1408List(const char* style2, const char* number32, const char* number6);
+
+// The program's message texts, from the resource library of the build, current while
+// the object lives. A test asserts loaded() before it relies on them.
+class ProgramTexts {
+public:
+    ProgramTexts();
+    bool loaded() const { return m_library != nullptr; }
+    const QString& error() const { return m_error; }
+
+private:
+    QString m_error;
+    std::unique_ptr<ResourceLibrary> m_library;
+    std::optional<ResourceScope> m_scope;
+};
 
 // A message sink for tests: records every message and answers from a script,
 // falling back on a fixed answer.

@@ -6,10 +6,7 @@
 
 void EditorFixture::SetUp() {
     ASSERT_TRUE(QFile::copy(BuildPath(QStringLiteral("sample/ZEL_PLC.MDB")), databasePath()));
-    QString error;
-    m_resources = ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"), &error);
-    ASSERT_TRUE(m_resources) << qPrintable(error);
-    SetCurrentResources(m_resources.get());
+    ASSERT_TRUE(m_texts.loaded()) << qPrintable(m_texts.error());
     ZelPlcDbIO::SetInstance(&m_store);
     startHost(4);
 }
@@ -35,5 +32,4 @@ void EditorFixture::startHost(int precision) {
 void EditorFixture::TearDown() {
     SetCurrentHost(nullptr);
     ZelPlcDbIO::SetInstance(nullptr);
-    SetCurrentResources(nullptr);
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ResourceLibrary.h"
 #include "StandaloneHost.h"
 #include "TestSupport.h"
 #include "ZelPlcDbIO.h"
@@ -23,7 +22,7 @@ protected:
     void startHost(int precision);
 
     QTemporaryDir m_dir;
-    std::unique_ptr<ResourceLibrary> m_resources;
+    ProgramTexts m_texts;
     std::unique_ptr<StandaloneHost> m_host;
     ZelPlcDbIO m_store;
     ScriptedMessages m_messages;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "DialogControls.h"
-#include "ResourceLibrary.h"
 #include "StandaloneHost.h"
 #include "TestSupport.h"
 
@@ -35,18 +34,11 @@ inline QStringList Texts(int count, std::initializer_list<std::pair<int, const c
 class BoxDialogFixture : public testing::Test {
 protected:
     void SetUp() override {
-        QString error;
-        m_resources =
-            ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"), &error);
-        ASSERT_TRUE(m_resources) << qPrintable(error);
-        SetCurrentResources(m_resources.get());
+        ASSERT_TRUE(m_texts.loaded()) << qPrintable(m_texts.error());
         m_host.setReporter([this](const QString& text) { m_reports << text; });
         SetCurrentHost(&m_host);
     }
-    void TearDown() override {
-        SetCurrentHost(nullptr);
-        SetCurrentResources(nullptr);
-    }
+    void TearDown() override { SetCurrentHost(nullptr); }
     // Replaces the text of an edit as a user does: select all, then type.
     static void Type(QWidget* dialog, int id, const QString& text) {
         auto* edit = FindControl<QLineEdit>(dialog, id);
@@ -68,7 +60,7 @@ protected:
         return numbers;
     }
 
-    std::unique_ptr<ResourceLibrary> m_resources;
+    ProgramTexts m_texts;
     StandaloneHost m_host;
     QStringList m_reports;
     ScriptedMessages m_messages;

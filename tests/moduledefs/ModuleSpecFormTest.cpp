@@ -1,7 +1,6 @@
 #include "CKVModuleDB.h"
 #include "CatalogDocument.h"
 #include "ModuleSpecForm.h"
-#include "ResourceLibrary.h"
 #include "ZelDbMigrate.h"
 #include "ZelPlcDbIO.h"
 
@@ -131,10 +130,8 @@ TEST(ModuleSpecForm, AddressBaseKeywordsIgnoreCaseAndAnUnknownTextKeepsTheEntry)
 
 TEST(ModuleSpecForm, DirectionChoicesSetTheTwoLowBitsAndKeepTheOthers) {
     // The choices are the texts of the direction list.
-    QString error;
-    const auto resources = ResourceLibrary::Load(BuildPath(QString()), "zel_mbres", &error);
-    ASSERT_TRUE(resources) << qPrintable(error);
-    const ResourceScope scope(resources.get());
+    const ProgramTexts texts;
+    ASSERT_TRUE(texts.loaded()) << qPrintable(texts.error());
     const struct {
         const char* choice;
         const char* flags;

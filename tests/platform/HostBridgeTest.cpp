@@ -28,11 +28,7 @@ class HostBridgeTest : public testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(m_dir.isValid());
-        QString error;
-        m_resources =
-            ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"), &error);
-        ASSERT_TRUE(m_resources) << qPrintable(error);
-        SetCurrentResources(m_resources.get());
+        ASSERT_TRUE(m_texts.loaded()) << qPrintable(m_texts.error());
 
         StandaloneHostConfig config;
         config.supportPath = {path("support")};
@@ -48,16 +44,13 @@ protected:
             ASSERT_EQ(DeclareLispFunction(QString::fromLatin1(name)), kHostOk);
         }
     }
-    void TearDown() override {
-        SetCurrentHost(nullptr);
-        SetCurrentResources(nullptr);
-    }
+    void TearDown() override { SetCurrentHost(nullptr); }
     QString path(const QString& name) const {
         return QDir::toNativeSeparators(m_dir.filePath(name));
     }
 
     QTemporaryDir m_dir;
-    std::unique_ptr<ResourceLibrary> m_resources;
+    ProgramTexts m_texts;
     std::unique_ptr<StandaloneHost> m_host;
     QStringList m_reports;
 };

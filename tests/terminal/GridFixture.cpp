@@ -27,10 +27,7 @@ _termblock Block(const char* file, const char* description, QList<_attrinfo> att
 }  // namespace
 
 void GridFixture::SetUp() {
-    QString error;
-    m_resources = ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"), &error);
-    ASSERT_TRUE(m_resources) << qPrintable(error);
-    SetCurrentResources(m_resources.get());
+    ASSERT_TRUE(m_texts.loaded()) << qPrintable(m_texts.error());
     m_blocks.SetBlocks({Block("HP1TERM", "Terminal", {Attribute("DESC"), Attribute("TERM_")}),
                         Block("VP2FUSE", "Fuse", {Attribute("FUSE_"), Attribute("RATING")}),
                         Block("XP2SPACE", "Spacer", {})});
@@ -42,7 +39,6 @@ void GridFixture::SetUp() {
 
 void GridFixture::TearDown() {
     m_window.reset();
-    SetCurrentResources(nullptr);
 }
 
 void GridFixture::makeGrids() {

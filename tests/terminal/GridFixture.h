@@ -4,7 +4,6 @@
 #include "CBlockDescEx.h"
 #include "CKVModule.h"
 #include "CTermGridWnd.h"
-#include "ResourceLibrary.h"
 #include "TestSupport.h"
 #include "ViewInput.h"
 
@@ -57,7 +56,7 @@ protected:
     // All rows of the module as "text;special" lines.
     QStringList moduleRows() const;
 
-    std::unique_ptr<ResourceLibrary> m_resources;
+    ProgramTexts m_texts;
     ScriptedMessages m_messages;
     CBlockDescEx m_blocks;
     CKVModule m_module;

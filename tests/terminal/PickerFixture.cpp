@@ -36,10 +36,7 @@ QSettings UserSettings() {
 }  // namespace
 
 void PickerFixture::SetUp() {
-    QString error;
-    m_resources = ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"), &error);
-    ASSERT_TRUE(m_resources) << qPrintable(error);
-    SetCurrentResources(m_resources.get());
+    ASSERT_TRUE(m_texts.loaded()) << qPrintable(m_texts.error());
     SavePicture(m_dir.filePath(QStringLiteral("wide.bmp")), 40, 20, Qt::red);
     SavePicture(m_dir.filePath(QStringLiteral("tall.bmp")), 24, 36, Qt::blue);
     StandaloneHostConfig config;
@@ -68,7 +65,6 @@ void PickerFixture::SetUp() {
 void PickerFixture::TearDown() {
     ClearRecent();
     SetCurrentHost(nullptr);
-    SetCurrentResources(nullptr);
 }
 
 QStringList StoredRecent() {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "CBlockDescEx.h"
-#include "ResourceLibrary.h"
 #include "StandaloneHost.h"
 #include "TestSupport.h"
 #include "ViewInput.h"
@@ -42,7 +41,7 @@ protected:
     int pickBlock(CPickTerm& picker, const QString& category, int row);
 
     QTemporaryDir m_dir;
-    std::unique_ptr<ResourceLibrary> m_resources;
+    ProgramTexts m_texts;
     std::unique_ptr<StandaloneHost> m_host;
     QStringList m_reports;  // what the host reported, help topics included
     ScriptedMessages m_messages;

@@ -3,7 +3,6 @@
 #include "GuiHostUi.h"
 #include "ModalRunner.h"
 #include "QtMessageSink.h"
-#include "ResourceLibrary.h"
 #include "SheetPreview.h"
 #include "StandaloneHost.h"
 
@@ -150,11 +149,8 @@ TEST(DialogControlsTest, ScalesByTheMonitorOfEachDirection) {
 }
 
 TEST(CDibTest, LoadsAttachesAndKeepsWhatItHadOnFailure) {
-    QString error;
-    std::unique_ptr<ResourceLibrary> resources =
-        ResourceLibrary::Load(BuildPath(QString()), QStringLiteral("zel_mbres"), &error);
-    ASSERT_TRUE(resources) << error.toStdString();
-    ResourceScope scope(resources.get());
+    const ProgramTexts texts;
+    ASSERT_TRUE(texts.loaded()) << qPrintable(texts.error());
 
     CDib dib;
     EXPECT_TRUE(dib.IsEmpty());
