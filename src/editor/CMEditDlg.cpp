@@ -7,6 +7,7 @@
 #include "CModuleTree.h"
 #include "CPathLabel.h"
 #include "CStyleBoxDlg.h"
+#include "CTermBlockDefsDlg.h"
 #include "CTermGridWnd.h"
 #include "CrtNumbers.h"
 #include "DialogControls.h"
@@ -67,10 +68,6 @@ void CMEditDlg::BuildControls() {
     m_btnSave = MakeButton(this, tr("Save"), kIdSave);
     m_btnBlockDefs = MakeButton(this, tr("Block Definitions..."), kIdBlockDefs);
     m_btnHelp = MakeButton(this, tr("Help"), kIdHelp);
-    // The block definition dialog comes later; until then its button stays off.
-    for (QPushButton* later : {m_btnBlockDefs}) {
-        later->setEnabled(false);
-    }
 
     auto* right = new QVBoxLayout;
     right->addWidget(m_stcTable);
@@ -92,6 +89,7 @@ void CMEditDlg::BuildControls() {
     connect(m_btnDone, &QPushButton::clicked, this, &CMEditDlg::OnDone);
     connect(m_btnSave, &QPushButton::clicked, this, [this] { OnSave(); });
     connect(m_btnStyleBox, &QPushButton::clicked, this, &CMEditDlg::OnStyleBox);
+    connect(m_btnBlockDefs, &QPushButton::clicked, this, &CMEditDlg::OnBlockDefs);
     connect(m_btnHelp, &QPushButton::clicked, this, &CMEditDlg::ShowHelp);
     connect(m_btnNewModule, &QPushButton::clicked, this, &CMEditDlg::OnNewModule);
     connect(m_btnEditSpecs, &QPushButton::clicked, this, &CMEditDlg::OnEditSpecs);
@@ -393,6 +391,32 @@ void CMEditDlg::OnStyleBox() {
     // The style rows of the database shown here, not of whatever the host would find.
     dialog.SetDbPath(m_strDbPath);
     ModalRunner::Run(dialog);
+}
+
+void CMEditDlg::OnBlockDefs() {
+    CTermBlockDefsDlg dialog(this);
+    dialog.SetDirectory(m_strBlockDir);
+    if (ModalRunner::Run(dialog) != kIdOk) {
+        return;
+    }
+    CBlockDescEx fresh;
+    fresh.SetDirectory(m_strBlockDir);
+    fresh.GetBlockList(true);
+    if (fresh.SameBlocks(m_blockDesc)) {
+        return;
+    }
+    if (m_btnSave->isEnabled()) {
+        PromptToSave(false);
+    }
+    // No module stays loaded over a changed list: its rows name blocks by position.
+    QTreeWidgetItem* selected = m_tree->SelectedItem();
+    if (selected && selected->parent() &&
+        CModuleTree::IsCatalogData(CModuleTree::ItemData(selected))) {
+        m_tree->setCurrentItem(selected->parent());
+    }
+    m_blockDesc.GetBlockList(true);
+    // The terminal column's drop list and lookups follow the new list.
+    m_termGrid->SetBlockDesc(&m_blockDesc);
 }
 
 void CMEditDlg::ShowHelp() {

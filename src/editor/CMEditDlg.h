@@ -66,6 +66,9 @@ public:
     void OnNewModule();
     // The open module's data in its dialog; OK marks it changed.
     void OnEditSpecs();
+    // The terminal block definitions of the editor's block folder; on OK a changed list
+    // is read again, after the user was asked to save and no module stays loaded.
+    void OnBlockDefs();
 
     // The terminal grid's row change and the flush before a save: the attribute grid
     // stores what it shows into the row left and shows the new row.

@@ -129,6 +129,11 @@ constexpr Entry kTable[] = {
     {10051, u"Row %1 has a block file but no category."},
     {10052, u"Row %1 has a block file and a category but no description."},
     {10053, u"Incomplete Row"},
+    // Terminal block definitions: a list that can't be written, and the dialog's title.
+    {10054, u"The terminal block list cannot be written to \"%1\". The dialog stays open "
+            u"with your changes; check that the folder can be written to and press OK again, "
+            u"or Cancel to give them up."},
+    {10055, u"Terminal Block Definitions"},
 
     // Terminal grid: a module row whose block is not in the block list.
     {10058, u"A terminal of this module uses a block that is not in the terminal block "

@@ -1,0 +1,176 @@
+#include "CBlocksGrid.h"
+#include "CMEditDlg.h"
+#include "CModuleTree.h"
+#include "CTermBlockDefsDlg.h"
+#include "CTermGridWnd.h"
+#include "DialogControls.h"
+#include "EditorFixture.h"
+#include "ModalRunner.h"
+#include "PlcdbProcess.h"
+#include "TermGridModel.h"
+#include "ViewInput.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QPushButton>
+#include <QTest>
+
+namespace {
+
+using Defs = CTermBlockDefsDlg;
+const QString kNorvale = QStringLiteral("Norvale Controls");
+const QString kSeries = QStringLiteral("NV-100");
+
+// The sample's block list without its shield block, which the analog modules use.
+QByteArray SampleWithoutShield() {
+    QFile sample(SourcePath(QStringLiteral("data/sample/blocks/kvmbblks.bsf")));
+    if (!sample.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    QByteArray text;
+    for (const QByteArray& line : sample.readAll().split('\n')) {
+        text += line.startsWith(":HP1SHLD;") ? QByteArray() : line + '\n';
+    }
+    return text;
+}
+
+QJsonObject BlockOf(const QJsonArray& blocks, const QString& file) {
+    for (const QJsonValue& block : blocks) {
+        if (block.toObject()[QLatin1String("file")].toString() == file) {
+            return block.toObject();
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+// The editor's Block Definitions button on a block list of the test's own, in the first
+// folder of the search path, where the editor finds it.
+class CMEditDlgBlockDefsTest : public EditorFixture {
+protected:
+    void SetUp() override {
+        EditorFixture::SetUp();
+        const QByteArray text = SampleWithoutShield();
+        ASSERT_FALSE(text.isEmpty());
+        QFile bsf(bsfPath());
+        ASSERT_TRUE(bsf.open(QIODevice::WriteOnly));
+        bsf.write(text);
+        bsf.close();
+        m_dialog = std::make_unique<CMEditDlg>();
+        m_dialog->SetDbPath(databasePath());
+        m_dialog->resize(900, 600);
+        m_dialog->show();
+        m_dialog->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
+    }
+    void TearDown() override {
+        m_dialog.reset();
+        EditorFixture::TearDown();
+    }
+    QString bsfPath() const { return m_dir.filePath(QStringLiteral("kvmbblks.bsf")); }
+    QByteArray bsf() const {
+        QFile file(bsfPath());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    CModuleTree& tree() { return m_dialog->Tree(); }
+    void select(const QString& type, const QString& catalog) {
+        QTreeWidgetItem* item = tree().FindItem(kNorvale, kSeries, type, catalog);
+        ASSERT_NE(item, nullptr);
+        tree().scrollToItem(item);
+        QTest::mouseClick(tree().viewport(), Qt::LeftButton, {},
+                          tree().visualItemRect(item).center());
+    }
+    void clickBlockDefs() {
+        auto* button = FindControl<QPushButton>(m_dialog.get(), CMEditDlg::kIdBlockDefs);
+        ASSERT_TRUE(button->isEnabled());
+        QTest::mouseClick(button, Qt::LeftButton);
+    }
+    QStringList terminalChoices() {
+        return m_dialog->TermGrid().Model()->Choices(CTermGridWnd::ColumnTerminal);
+    }
+
+    std::unique_ptr<CMEditDlg> m_dialog;
+};
+
+TEST_F(CMEditDlgBlockDefsTest, ABlockAddedFromAModuleReachesTheTerminalGridAndPlcdbBlocks) {
+    select(QStringLiteral("Digital Input"), QStringLiteral("NV-1108"));
+    ASSERT_TRUE(m_dialog->IsModuleLoaded());
+    ASSERT_FALSE(terminalChoices().contains(QStringLiteral("Cable shield")));
+    m_dialog->MarkSpecChanged();
+    m_messages.answers = {kIdNo};
+
+    QueuedModalScript script;
+    script.push([](QDialog& d) {
+        auto& defs = static_cast<Defs&>(d);
+        QTest::mouseClick(FindControl<QPushButton>(&d, Defs::kIdAddFromModule), Qt::LeftButton);
+        const int row = defs.Table().RowCount();
+        EXPECT_EQ(defs.Grid().GetCellValue(row, 1), QStringLiteral("VP1SHLD"));
+        // The merge names a vertical block under H; the folder has the horizontal one.
+        TypeIntoCell(defs.Grid(), row, 1, QStringLiteral("HP1SHLD"));
+        TypeIntoCell(defs.Grid(), row, 2, QStringLiteral("Analog"));
+        TypeIntoCell(defs.Grid(), row, 3, QStringLiteral("Cable shield"));
+        return int(kIdOk);
+    });
+    script.push([](QDialog& d) {
+        auto* tree = FindControl<CModuleTree>(&d, 200);
+        tree->setCurrentItem(
+            tree->FindItem(kNorvale, kSeries, QStringLiteral("Analog Input"), "NV-1404"));
+        return int(kIdOk);
+    });
+    clickBlockDefs();
+    EXPECT_TRUE(script.done());
+    EXPECT_EQ(script.seen, (QStringList{"CTermBlockDefsDlg", "CABSelDlg"}));
+    EXPECT_TRUE(bsf().endsWith(":HP1SHLD;Analog;Cable shield;\n")) << bsf().constData();
+
+    // The unsaved module was asked about, and no module stays over the new list.
+    ASSERT_EQ(m_messages.shown.size(), 1u);
+    EXPECT_EQ(m_messages.shown[0].number, 4012);
+    EXPECT_FALSE(m_dialog->IsModuleLoaded());
+    EXPECT_EQ(tree().SelectedItem()->text(0), QStringLiteral("Digital Input"));
+    EXPECT_EQ(terminalChoices().size(), 13);
+    EXPECT_EQ(terminalChoices().value(12), QStringLiteral("Cable shield"));
+
+    const PlcdbRun run =
+        RunPlcdb({"--support-path", QDir::toNativeSeparators(m_dir.path()), "--kv-lib",
+                  QDir::toNativeSeparators(BuildPath(QStringLiteral("sample/blocks"))), "blocks",
+                  "--dir", QDir::toNativeSeparators(m_dir.path())});
+    ASSERT_EQ(run.status, 0) << qPrintable(run.err);
+    const QJsonArray blocks =
+        QJsonDocument::fromJson(run.out.toUtf8()).object()[QLatin1String("blocks")].toArray();
+    const QJsonObject shield = BlockOf(blocks, QStringLiteral("HP1SHLD"));
+    EXPECT_EQ(shield[QLatin1String("description")].toString(), QStringLiteral("Cable shield"));
+    QStringList tags;
+    for (const QJsonValue& attribute : shield[QLatin1String("attributes")].toArray()) {
+        tags << attribute.toObject()[QLatin1String("tag")].toString();
+    }
+    EXPECT_EQ(tags, (QStringList{"CHAN", "TERM_"}));
+
+    // The editor works on after the selection's and the merge's stores were closed.
+    select(QStringLiteral("Analog Input"), QStringLiteral("NV-1404"));
+    ASSERT_TRUE(m_dialog->IsModuleLoaded());
+    EXPECT_GT(m_dialog->TermGrid().model()->rowCount(), 0);
+    const TermGridModel& rows = *m_dialog->TermGrid().Model();
+    EXPECT_NE(rows.DisplayText(1, CTermGridWnd::ColumnTerminal), QString());
+}
+
+TEST_F(CMEditDlgBlockDefsTest, OkWithNoChangeKeepsTheBlockLinesAndTheLoadedModule) {
+    select(QStringLiteral("Digital Input"), QStringLiteral("NV-1108"));
+    ASSERT_TRUE(m_dialog->IsModuleLoaded());
+    QByteArray blockLines;
+    for (const QByteArray& line : bsf().split('\n')) {
+        blockLines += line.startsWith(':') ? line + '\n' : QByteArray();
+    }
+    ASSERT_EQ(blockLines.count('\n'), 12);
+
+    QueuedModalScript script;
+    script.pushAnswer(kIdOk);
+    clickBlockDefs();
+    EXPECT_EQ(bsf(), blockLines);
+    EXPECT_TRUE(m_dialog->IsModuleLoaded());
+    EXPECT_EQ(tree().SelectedItem()->text(0), QStringLiteral("NV-1108"));
+    EXPECT_TRUE(m_messages.shown.empty());
+}
