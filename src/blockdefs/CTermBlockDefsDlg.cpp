@@ -3,7 +3,6 @@
 #include "CABSelDlg.h"
 #include "CBlocksGrid.h"
 #include "CModPreviewDlg.h"
-#include "CTermBlockSettings.h"
 #include "CTermSamp.h"
 #include "DialogControls.h"
 #include "GridModel.h"
@@ -300,11 +299,8 @@ void CTermBlockDefsDlg::accept() {
         return;
     }
     if (!m_table.Write()) {
-        Messages::Show(
-            kMsgCannotWrite,
-            {QDir::toNativeSeparators(
-                QDir(m_table.Directory()).filePath(QLatin1String(CTermBlockSettings::kFileName)))},
-            MsgButtons::Ok, MsgIcon::Error, kCaptionDialog);
+        Messages::Show(kMsgCannotWrite, {QDir::toNativeSeparators(m_table.Directory())},
+                       MsgButtons::Ok, MsgIcon::Error, kCaptionDialog);
         return;
     }
     QDialog::accept();

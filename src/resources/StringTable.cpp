@@ -130,9 +130,9 @@ constexpr Entry kTable[] = {
     {10052, u"Row %1 has a block file and a category but no description."},
     {10053, u"Incomplete Row"},
     // Terminal block definitions: a list that can't be written, and the dialog's title.
-    {10054, u"The terminal block list cannot be written to \"%1\". The dialog stays open "
-            u"with your changes; check that the folder can be written to and press OK again, "
-            u"or Cancel to give them up."},
+    {10054, u"The terminal block list cannot be written in the folder \"%1\". The dialog "
+            u"stays open with your changes; check that the folder can be written to and press "
+            u"OK again, or Cancel to give them up."},
     {10055, u"Terminal Block Definitions"},
 
     // Terminal grid: a module row whose block is not in the block list.
