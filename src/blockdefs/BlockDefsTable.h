@@ -47,7 +47,8 @@ public:
     // with no rows, when the settings file can't be read; the table works on then.
     bool Read();
     // OK's write, after Validate: the stored blocks into the settings file, then the
-    // path list as it was read. False when the settings file can't be written.
+    // path list as it was read. False when the settings file can't be written (the path
+    // list is then left alone) or the path list can't.
     bool Write();
     // What Write stores: the rows whose block file, category and description are all
     // filled, the four texts trimmed, without attributes.
@@ -76,7 +77,7 @@ public:
     // style outside 1 to 9. An orientation other than 1 or 2 drops the first letter.
     static bool RewriteBlockName(QString& name, int style, int orientation);
     // Runs RewriteBlockName on the block file and the sample file of every row and
-    // answers the rows changed, in order. Nothing for a style outside 1 to 9.
+    // answers the rows whose text changed, in order. Nothing for a style outside 1 to 9.
     QList<int> ApplyStyle(int style, int orientation);
 
     // Appends a row, block file only, for each terminal name of the module that no row

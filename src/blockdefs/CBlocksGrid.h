@@ -40,10 +40,15 @@ public:
     // The table's rows were changed behind the grid (read, rewrite, merge): shows them
     // again. Undo steps recorded before a change of the row count are dropped.
     void TableChanged();
+    BlocksGridModel* Model() const { return m_model; }
 
     // The value of a cell, rows and columns from 1: the open editor's text when the
     // cell is being edited, else the table's.
     QString GetCellValue(int row, int col) const;
+    // Writes a cell as the user's edit would (one undo step), such as a browsed path; an
+    // editor open on the cell is closed without storing its text. False outside the
+    // table.
+    bool SetCellValue(int row, int col, const QString& value);
     // Stores what the open editor holds, so that the table's rules see what the user
     // typed.
     void CommitEditor();
@@ -68,8 +73,24 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
+    // The context row lies in the table.
+    bool IsContextRowInTable() const;
+    bool IsContextCellValid() const;
+    void CellCommand(int command);
+    void RowCommand(int command);
+    void InsertRowBelowContext();
+    void RemoveContextRow();
+    // Adds the free row below the last: a single blank in the category, which every
+    // reader trims away.
+    void AppendFreeRow();
+    // Closes the editor of the current cell without storing what it holds.
+    void DiscardEditor();
+
     BlocksGridModel* m_model;
     BlockDefsTable* m_pTable = nullptr;
     int m_nContextRow = -1;
     int m_nContextCol = -1;
+    // While set, the current cell moving to the last row adds no free row: rows are
+    // removed or shown again, and the user did not move.
+    bool m_bNoFreeRow = false;
 };

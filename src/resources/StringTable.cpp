@@ -18,6 +18,16 @@ struct Entry {
 
 // clang-format off
 constexpr Entry kTable[] = {
+    // Blocks grid context menu: the texts of its commands, by command number.
+    {207, u"Copy"},
+    {210, u"Insert Row"},
+    {214, u"Paste"},
+    {215, u"Remove Row"},
+    {216, u"Cut"},
+    {217, u"Copy Row"},
+    {218, u"Cut Row"},
+    {219, u"Paste Row"},
+
     // Terminal grid context menu: the texts of its commands, by command number.
     {225, u"Edit Cells..."},
     {226, u"Insert Before"},

@@ -4,17 +4,6 @@
 
 namespace {
 
-// The character at a character position (surrogate pairs count as one), empty past the end.
-QString CharAt(const QString& text, int position) {
-    return GetStringAtCharCount(text, position + 1)
-        .mid(GetStringAtCharCount(text, position).size());
-}
-
-// The text from a character position on.
-QString RestFrom(const QString& text, int position) {
-    return text.mid(GetStringAtCharCount(text, position).size());
-}
-
 bool IsDigit(const QString& character) {
     return character.size() == 1 && character[0] >= u'0' && character[0] <= u'9';
 }
@@ -34,16 +23,27 @@ QString BlockNames::ModuleForm(const QString& blockFile) {
 }
 
 QString BlockNames::SearchForm(const QString& blockFile) {
-    if (GetCharCount(blockFile) <= 2) {
-        return blockFile;
-    }
-    const QString third = CharAt(blockFile, 2);
-    const QString first = CharAt(blockFile, 0);
-    const bool styled = IsDigit(third) || third == QLatin1String("?");
-    const bool family = first == QLatin1String("H") || first == QLatin1String("V") ||
-                        first == QLatin1String("h") || first == QLatin1String("v");
-    if (!styled || !family) {
+    if (!HasStyleSlot(blockFile)) {
         return blockFile;
     }
     return QStringLiteral("H") + CharAt(blockFile, 1) + u'?' + RestFrom(blockFile, 3);
+}
+
+bool BlockNames::HasStyleSlot(const QString& name) {
+    if (GetCharCount(name) <= 2) {
+        return false;
+    }
+    const QString third = CharAt(name, 2);
+    const QString first = CharAt(name, 0).toUpper();
+    return (IsDigit(third) || third == QLatin1String("?")) &&
+           (first == QLatin1String("H") || first == QLatin1String("V"));
+}
+
+QString BlockNames::CharAt(const QString& text, int position) {
+    return GetStringAtCharCount(text, position + 1)
+        .mid(GetStringAtCharCount(text, position).size());
+}
+
+QString BlockNames::RestFrom(const QString& text, int position) {
+    return text.mid(GetStringAtCharCount(text, position).size());
 }

@@ -31,11 +31,21 @@ bool ChoiceDelegate::IsCheck(const QModelIndex& index) {
     return grid && grid->Kind(index.column() + 1) == GridModel::ColumnKind::Check;
 }
 
+bool ChoiceDelegate::IsCombo(const QModelIndex& index) {
+    const GridModel* grid = Grid(index);
+    return grid && grid->Kind(index.column() + 1) == GridModel::ColumnKind::Combo;
+}
+
 bool ChoiceDelegate::EditorValue(const QModelIndex& index, QString& value) const {
     if (m_editor.isNull() || !index.isValid() || m_editorIndex != index) {
         return false;
     }
-    if (auto* combo = qobject_cast<QComboBox*>(m_editor.data())) {
+    auto* combo = qobject_cast<QComboBox*>(m_editor.data());
+    if (combo && combo->isEditable()) {
+        value = combo->currentText();
+        return true;
+    }
+    if (combo) {
         const GridModel* grid = Grid(index);
         value = grid && combo->currentIndex() >= 0
                     ? grid->ChoiceValue(index.column() + 1, combo->currentIndex())
@@ -56,6 +66,18 @@ QWidget* ChoiceDelegate::createEditor(QWidget* parent, const QStyleOptionViewIte
         auto* combo = new QComboBox(parent);
         combo->addItems(Grid(index)->Choices(index.column() + 1));
         // A line picked from the open list is the user's answer at once.
+        auto* self = const_cast<ChoiceDelegate*>(this);
+        connect(combo, &QComboBox::activated, self, [self, combo] {
+            emit self->commitData(combo);
+            emit self->closeEditor(combo);
+        });
+        editor = combo;
+    } else if (IsCombo(index)) {
+        auto* combo = new QComboBox(parent);
+        combo->setEditable(true);
+        // Typed text is the value; it is not added to the choices.
+        combo->setInsertPolicy(QComboBox::NoInsert);
+        combo->addItems(Grid(index)->CellChoices(index.row() + 1, index.column() + 1));
         auto* self = const_cast<ChoiceDelegate*>(this);
         connect(combo, &QComboBox::activated, self, [self, combo] {
             emit self->commitData(combo);
@@ -85,6 +107,14 @@ void ChoiceDelegate::setEditorData(QWidget* editor, const QModelIndex& index) co
         combo->setCurrentIndex(grid->ChoicePosition(col, grid->CellValue(index.row() + 1, col)));
         return;
     }
+    if (auto* combo = qobject_cast<QComboBox*>(editor); combo && IsCombo(index)) {
+        // The value as it stands, untrimmed, even when it is none of the choices.
+        const QString value = Grid(index)->CellValue(index.row() + 1, index.column() + 1);
+        combo->setCurrentIndex(
+            combo->findText(value, Qt::MatchFixedString | Qt::MatchCaseSensitive));
+        combo->setEditText(value);
+        return;
+    }
     QStyledItemDelegate::setEditorData(editor, index);
 }
 
@@ -95,6 +125,10 @@ void ChoiceDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
         const QString value =
             position < 0 ? QString() : Grid(index)->ChoiceValue(index.column() + 1, position);
         model->setData(index, value, Qt::EditRole);
+        return;
+    }
+    if (auto* combo = qobject_cast<QComboBox*>(editor); combo && IsCombo(index)) {
+        model->setData(index, combo->currentText(), Qt::EditRole);
         return;
     }
     QStyledItemDelegate::setModelData(editor, model, index);

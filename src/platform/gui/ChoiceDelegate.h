@@ -7,8 +7,9 @@
 class GridModel;
 
 // The one delegate of the grids: a drop list fed by the column's choices, whose value
-// is the index of the choice; a check box drawn and toggled in the middle of its cell;
-// a line editor for text. It knows the editor that is open, so that a grid can read
+// is the index of the choice; an editable combo box fed by the cell's choices, whose
+// value is its text; a check box drawn and toggled in the middle of its cell; a line
+// editor for text. It knows the editor that is open, so that a grid can read
 // what the user is typing before it is committed.
 class ChoiceDelegate : public QStyledItemDelegate {
     Q_OBJECT
@@ -41,6 +42,7 @@ private:
     static const GridModel* Grid(const QModelIndex& index);
     static bool IsChoice(const QModelIndex& index);
     static bool IsCheck(const QModelIndex& index);
+    static bool IsCombo(const QModelIndex& index);
 
     mutable QPointer<QWidget> m_editor;
     mutable QPersistentModelIndex m_editorIndex;

@@ -7,12 +7,16 @@
 #include "HostServices.h"
 
 #include <QAbstractButton>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QHeaderView>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QShortcut>
 #include <QStyleOptionHeader>
 
+#include <climits>
 #include <set>
 
 namespace {
@@ -258,6 +262,131 @@ void GridCore::SetCornerText(const QString& text) {
     if (auto* corner = findChild<QAbstractButton*>()) {
         corner->update();
     }
+}
+
+bool GridCore::ClipboardRange(int& top, int& left, int& bottom, int& right) const {
+    const QModelIndexList selected = selectionModel()->selectedIndexes();
+    if (selected.isEmpty()) {
+        top = bottom = CurrentRow();
+        left = right = CurrentCol();
+        return top >= 1 && left >= 1;
+    }
+    top = left = INT_MAX;
+    bottom = right = 0;
+    for (const QModelIndex& index : selected) {
+        top = qMin(top, index.row() + 1);
+        bottom = qMax(bottom, index.row() + 1);
+        left = qMin(left, index.column() + 1);
+        right = qMax(right, index.column() + 1);
+    }
+    return true;
+}
+
+QString GridCore::SelectionText() const {
+    int top = 0;
+    int left = 0;
+    int bottom = 0;
+    int right = 0;
+    if (!m_model || !ClipboardRange(top, left, bottom, right)) {
+        return {};
+    }
+    QStringList lines;
+    for (int row = top; row <= bottom; ++row) {
+        QStringList cells;
+        for (int col = left; col <= right; ++col) {
+            cells.append(CellText(row, col));
+        }
+        lines.append(cells.join(QLatin1Char('\t')));
+    }
+    return lines.join(QLatin1String("\r\n"));
+}
+
+void GridCore::CopySelection() {
+    int top = 0;
+    int left = 0;
+    int bottom = 0;
+    int right = 0;
+    if (!m_model || !ClipboardRange(top, left, bottom, right)) {
+        return;
+    }
+    QGuiApplication::clipboard()->setText(SelectionText());
+}
+
+void GridCore::CutSelection() {
+    int top = 0;
+    int left = 0;
+    int bottom = 0;
+    int right = 0;
+    if (!m_model || !ClipboardRange(top, left, bottom, right)) {
+        return;
+    }
+    QGuiApplication::clipboard()->setText(SelectionText());
+    if (m_bUndoEnabled) {
+        m_undo.beginMacro(QStringLiteral("Cut"));
+    }
+    for (int row = top; row <= bottom; ++row) {
+        for (int col = left; col <= right; ++col) {
+            if (CanWrite(row, col) && !m_model->IsReadOnly(row, col) &&
+                !m_model->CellValue(row, col).isEmpty()) {
+                OnEditCell(row, col, QString());
+            }
+        }
+    }
+    if (m_bUndoEnabled) {
+        m_undo.endMacro();
+    }
+}
+
+bool GridCore::CanPaste(int row, int col) const {
+    if (!m_model || row < 1 || row > m_model->RowCount() || col < 1 || col > m_model->ColCount() ||
+        !CanWrite(row, col) || m_model->IsReadOnly(row, col)) {
+        return false;
+    }
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    return data && data->hasText();
+}
+
+QList<QStringList> GridCore::SplitCellText(const QString& text) {
+    QString body = text;
+    body.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    if (body.endsWith(QLatin1Char('\n'))) {
+        body.chop(1);
+    }
+    QList<QStringList> rows;
+    for (const QString& line : body.split(QLatin1Char('\n'))) {
+        rows.append(line.split(QLatin1Char('\t')));
+    }
+    return rows;
+}
+
+bool GridCore::PasteClipboard() {
+    int top = 0;
+    int left = 0;
+    int bottom = 0;
+    int right = 0;
+    if (!m_model || !ClipboardRange(top, left, bottom, right) || !CanPaste(top, left)) {
+        return false;
+    }
+    const QList<QStringList> rows = SplitCellText(QGuiApplication::clipboard()->text());
+    bool written = false;
+    if (m_bUndoEnabled) {
+        m_undo.beginMacro(QStringLiteral("Paste"));
+    }
+    for (int r = 0; r < rows.size() && top + r <= m_model->RowCount(); ++r) {
+        const QStringList& cells = rows[r];
+        for (int c = 0; c < cells.size() && left + c <= m_model->ColCount(); ++c) {
+            const int row = top + r;
+            const int col = left + c;
+            if (CanWrite(row, col) && !m_model->IsReadOnly(row, col) &&
+                m_model->CellValue(row, col) != cells[c]) {
+                written = OnEditCell(row, col, cells[c]) || written;
+            }
+        }
+    }
+    if (m_bUndoEnabled) {
+        m_undo.endMacro();
+    }
+    return written;
 }
 
 bool GridCore::OnEditCell(int row, int col, const QString& value) {

@@ -15,7 +15,8 @@ class QUndoCommand;
 // - one delegate for drop lists, check boxes and text (ChoiceDelegate),
 // - the value of the open editor for the current cell,
 // - a read-only lock for programmatic writes to read-only cells,
-// - column widths and header height remembered under a settings key, at scale 1.
+// - column widths and header height remembered under a settings key, at scale 1,
+// - copy, cut and paste of cell ranges through the system clipboard.
 // A right click leaves the current cell and the selection where they are, so that a
 // context command acts on what was selected.
 class GridCore : public QTableView {
@@ -70,6 +71,24 @@ public:
     // The caption of the top left cell.
     void SetCornerText(const QString& text);
 
+    // The clipboard as the grids share it: a range of cells as text, cells separated by
+    // tabs and rows by line ends. The range is the one spanning the selected cells, or
+    // the current cell when nothing is selected.
+    QString SelectionText() const;
+    void CopySelection();
+    // Copies, then empties the writable cells of the range, as one undo step.
+    void CutSelection();
+    // Writes the clipboard's text into the cells from the range's top left on, as the
+    // user's edits and one undo step; what lies beyond the last row or column is left
+    // out. False when nothing was written.
+    bool PasteClipboard();
+    // Whether the cell could take the clipboard: it lies in the grid, is writable, and
+    // the clipboard holds text.
+    bool CanPaste(int row, int col) const;
+    // Text in the clipboard's form split into rows of cells; one line end at the end
+    // adds no row.
+    static QList<QStringList> SplitCellText(const QString& text);
+
     // Whether a cell changed since the owner last cleared the flag. Setting it tells
     // modifiedFlagChanged, queued as a posted message would be; the receiver only reads
     // the flag again, so one pending notice serves all calls.
@@ -92,6 +111,9 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // The range the clipboard commands act on, rows and columns from 1; false when the
+    // grid has neither a selection nor a current cell.
+    bool ClipboardRange(int& top, int& left, int& bottom, int& right) const;
     void ApplyColWidths();
     void PaintCorner(QWidget* corner);
 

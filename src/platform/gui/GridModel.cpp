@@ -16,6 +16,10 @@ QStringList GridModel::Choices(int /*col*/) const {
     return {};
 }
 
+QStringList GridModel::CellChoices(int /*row*/, int col) const {
+    return Choices(col);
+}
+
 QString GridModel::ColumnHeader(int col) const {
     return QString::number(col);
 }

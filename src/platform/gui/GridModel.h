@@ -8,11 +8,12 @@
 // The cells under a grid. Grid rows and columns count from 1, as the grids' callers
 // count them; row 0 and column 0 are the headers. Each cell has a value text; a drop
 // list cell's value is the index of its choice, from 0 or from 1 as the column says,
-// and a check box cell's value is "0" or "1".
+// and a check box cell's value is "0" or "1". A combo cell offers choices but takes
+// any text: its value is the text itself.
 class GridModel : public QAbstractTableModel {
     Q_OBJECT
 public:
-    enum class ColumnKind { Text, ChoiceFrom0, ChoiceFrom1, Check };
+    enum class ColumnKind { Text, ChoiceFrom0, ChoiceFrom1, Check, Combo };
 
     explicit GridModel(QObject* parent = nullptr);
     ~GridModel() override;
@@ -26,6 +27,8 @@ public:
     virtual ColumnKind Kind(int col) const;
     // The choices of a drop list column, in value order.
     virtual QStringList Choices(int col) const;
+    // The choices a combo cell offers when its editor opens; the column's by default.
+    virtual QStringList CellChoices(int row, int col) const;
     virtual QString ColumnHeader(int col) const;
     virtual QString RowHeader(int row) const;
     virtual bool IsReadOnly(int row, int col) const;
