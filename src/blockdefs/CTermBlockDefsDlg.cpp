@@ -5,7 +5,6 @@
 #include "CModPreviewDlg.h"
 #include "CTermSamp.h"
 #include "DialogControls.h"
-#include "GridModel.h"
 #include "HostBridge.h"
 #include "HostServices.h"
 #include "Messages.h"
@@ -219,17 +218,11 @@ void CTermBlockDefsDlg::OnBrowse() {
         if (HostGetFileNavDialog(
                 QString(), name, Messages::Format(block ? kMsgBlockFilter : kMsgSampleFilter),
                 name.isEmpty() ? kBrowseFlagsEmpty : kBrowseFlagsNamed, chosen) == kHostOk) {
-            SetCellByUser(row, col, chosen);
+            // The user's edit: one undo step.
+            m_grid->SetCellValue(row, col, chosen);
         }
     }
     m_grid->setFocus();
-}
-
-void CTermBlockDefsDlg::SetCellByUser(int row, int col, const QString& value) {
-    // An open editor would write its old text over the new value when it closes.
-    m_grid->CommitEditor();
-    GridModel* model = m_grid->Grid();
-    model->setData(model->index(row - 1, col - 1), value, Qt::EditRole);
 }
 
 void CTermBlockDefsDlg::ShowCell(bool bBlock) {

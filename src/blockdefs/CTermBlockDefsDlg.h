@@ -73,8 +73,6 @@ private:
     // and samples of every row to them. A style outside 1 to 9 changes nothing.
     void ApplyStyle(int style, BlockDefsTable::Orientation orientation, bool bRewrite);
     void OnCellDoubleClicked(int row, int col);
-    // Writes a value into a cell as the user's own edit, so that it can be undone.
-    void SetCellByUser(int row, int col, const QString& value);
 
     BlockDefsTable m_table;
     int m_nStyleRadio = 0;
