@@ -276,7 +276,7 @@ TEST_F(BlockDefsDialog, AListThatCannotBeWrittenIsReportedAndTheDialogStaysOpen)
     click(Dlg::kIdOk);
     EXPECT_TRUE(m_dialog->isVisible());
     ASSERT_EQ(shownNumbers(), (QList<int>{10054}));
-    EXPECT_TRUE(m_messages.shown[0].text.contains(folder())) << m_messages.shown[0].text;
+    EXPECT_TRUE(m_messages.shown[0].text.contains(folder())) << qPrintable(m_messages.shown[0].text);
     EXPECT_EQ(cell(1, 3), QStringLiteral("Input"));
 }
 
