@@ -2,6 +2,7 @@
 
 #include "HelpDialog.h"
 
+class CCatalogList;
 class CModuleTree;
 class QPushButton;
 class QTreeWidget;
@@ -14,7 +15,7 @@ class CABSelDlg : public HelpDialog {
     Q_OBJECT
 
 public:
-    enum Control { kIdOk = 1, kIdTree = 200, kIdList = 201, kIdHelp = 203 };
+    enum Control { kIdOk = 1, kIdCancel = 2, kIdTree = 200, kIdList = 201, kIdHelp = 203 };
 
     explicit CABSelDlg(QWidget* parent = nullptr);
     ~CABSelDlg() override;
@@ -27,11 +28,16 @@ public:
     const QString& GetType() const { return m_strType; }
     const QString& GetCatalog() const { return m_strCatalog; }
 
-    // Start-up: fills the tree and restores the last selection.
+    // Start-up: fills the tree and restores the last selection. False when the store
+    // cannot be shown; the dialog then cancels.
     bool OnInitDialog();
     // OK is enabled exactly while the list has a selected row; answers that.
     bool UpdateOk();
     void accept() override;
+
+    // The tree (200) and the list of catalogs (201).
+    CModuleTree& Tree() { return *m_tree; }
+    QTreeWidget& List();
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -40,9 +46,10 @@ private:
     void OnTreeSelChanged(QTreeWidgetItem* item);
     void OnListDoubleClick();
     void OnTreeDoubleClick();
+    void PostOk();
 
     CModuleTree* m_tree;
-    QTreeWidget* m_list;
+    CCatalogList* m_list;
     QPushButton* m_btnOk;
     QString m_strDatabasePath;
     QString m_strManufacturer;

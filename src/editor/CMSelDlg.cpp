@@ -1,5 +1,6 @@
 #include "CMSelDlg.h"
 
+#include "CCatalogList.h"
 #include "CModuleTree.h"
 #include "CPathLabel.h"
 #include "DialogControls.h"
@@ -18,15 +19,11 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QHeaderView>
-#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QStyledItemDelegate>
 #include <QTimer>
-#include <QToolTip>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -66,31 +63,6 @@ void TabStopWhenChecked(QAbstractButton* radio) {
     QObject::connect(radio, &QAbstractButton::toggled, radio, apply);
 }
 
-// Shows the full text of a list cell as its tooltip when the cell is too narrow for it.
-class TruncatedCellTips : public QStyledItemDelegate {
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
-                   const QModelIndex& index) override {
-        if (event->type() != QEvent::ToolTip) {
-            return QStyledItemDelegate::helpEvent(event, view, option, index);
-        }
-        QStyleOptionViewItem cell = option;
-        initStyleOption(&cell, index);
-        const QStyle* style = view->style();
-        const QRect textRect = style->subElementRect(QStyle::SE_ItemViewItemText, &cell, view);
-        // The style keeps a margin on each side of the text.
-        const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, view) + 1;
-        if (cell.fontMetrics.horizontalAdvance(cell.text) <= textRect.width() - 2 * margin) {
-            QToolTip::hideText();
-            return true;
-        }
-        QToolTip::showText(event->globalPos(), cell.text, view->viewport(), option.rect);
-        return true;
-    }
-};
-
 }  // namespace
 
 CMSelDlg::CMSelDlg(QWidget* parent) : HelpDialog(parent, QStringLiteral("plc_selection")) {
@@ -102,7 +74,7 @@ CMSelDlg::~CMSelDlg() = default;
 void CMSelDlg::BuildControls() {
     setWindowTitle(LoadResString(5000));
     m_tree = new CModuleTree(this);
-    m_lstCatalogs = new QTreeWidget(this);
+    m_lstCatalogs = new CCatalogList(this);
     m_stcPreview = new QLabel(this);
     m_stcStyleLabel = new QLabel(tr("Style"), this);
     m_styles = new QButtonGroup(this);
@@ -156,10 +128,6 @@ void CMSelDlg::BuildControls() {
                           QStringLiteral("1.5"), QStringLiteral("2.0")});
     m_stcPreview->setFixedSize(ScaledX(kPreviewWidth), ScaledY(kPreviewHeight));
     m_stcPreview->setFrameShape(QFrame::StyledPanel);
-    m_lstCatalogs->setRootIsDecorated(false);
-    m_lstCatalogs->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_lstCatalogs->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_lstCatalogs->setItemDelegate(new TruncatedCellTips(m_lstCatalogs));
     m_tree->setMinimumWidth(ScaledX(220));
 
     auto* right = new QVBoxLayout;
@@ -287,19 +255,7 @@ bool CMSelDlg::OnInitDialog() {
     }
     m_stcDbPath->SetPath(m_strDbPath.isEmpty() ? defaultPath : m_strDbPath);
 
-    const int widths[5] = {100, 50, 50, 100, 100};
-    m_lstCatalogs->setColumnCount(5);
-    QStringList headers;
-    for (int column = 0; column < 5; ++column) {
-        headers << LoadResString(4000 + column);
-    }
-    m_lstCatalogs->setHeaderLabels(headers);
-    for (int column = 0; column < 5; ++column) {
-        m_lstCatalogs->setColumnWidth(column, ScaledX(widths[column]));
-    }
-    for (int column : {1, 2, 4}) {
-        m_lstCatalogs->resizeColumnToContents(column);
-    }
+    m_lstCatalogs->SetUpColumns();
     m_tree->RestoreMru();
     (m_nOrientation == 2 ? m_btnVertical : m_btnHorizontal)->setChecked(true);
     ShowPreview(CheckedStyle(), m_nOrientation);
@@ -346,41 +302,17 @@ void CMSelDlg::ShowPreview(int style, int orientation) {
 }
 
 bool CMSelDlg::UpdateOK() {
-    const bool enable = m_lstCatalogs->topLevelItemCount() > 0 &&
-                        !m_cboScale->currentText().isEmpty() &&
-                        !m_lstCatalogs->selectedItems().isEmpty();
+    const bool enable = m_lstCatalogs->HasSelectedRow() && !m_cboScale->currentText().isEmpty();
     m_btnOK->setEnabled(enable);
     return enable;
 }
 
-void CMSelDlg::AddModuleRow(const CKVModule& module) {
-    auto* row = new QTreeWidgetItem(QStringList{module.GetCatalog(), module.GetColText1(),
-                                                module.GetColText2(), module.GetColText3(),
-                                                module.GetDescription()});
-    m_lstCatalogs->addTopLevelItem(row);
-}
-
 void CMSelDlg::OnTreeSelectionChanged(QTreeWidgetItem* item) {
-    m_lstCatalogs->clear();
-    const quint32 data = CModuleTree::ItemData(item);
-    if (!item || data == 0) {
+    m_lstCatalogs->ShowItem(*m_tree, item);
+    if (CModuleTree::ItemData(item) == 0) {
         m_stcTable->clear();
         UpdateOK();
         return;
-    }
-    if (data == CModuleTree::kTypeData) {
-        for (int i = 0; i < item->childCount(); ++i) {
-            CKVModule module;
-            if (m_tree->GetModuleOfItem(module, item->child(i), true)) {
-                AddModuleRow(module);
-            }
-        }
-    } else {
-        CKVModule module;
-        if (m_tree->GetSelectedModule(module)) {
-            AddModuleRow(module);
-            m_lstCatalogs->topLevelItem(0)->setSelected(true);
-        }
     }
     QString table;
     if (m_tree->GetTableOfItem(table)) {
@@ -421,11 +353,11 @@ void CMSelDlg::OnOK() {
         return;
     }
     if (data == CModuleTree::kTypeData) {
-        if (m_lstCatalogs->selectedItems().isEmpty()) {
+        if (!m_lstCatalogs->HasSelectedRow()) {
             Messages::Show(4005);
             return;
         }
-        QTreeWidgetItem* match = ListedCatalog(item);
+        QTreeWidgetItem* match = m_lstCatalogs->SelectedCatalogOf(item);
         if (!match) {
             return;
         }
@@ -440,25 +372,11 @@ void CMSelDlg::OnOK() {
     accept();
 }
 
-QTreeWidgetItem* CMSelDlg::ListedCatalog(QTreeWidgetItem* typeItem) const {
-    const QList<QTreeWidgetItem*> rows = m_lstCatalogs->selectedItems();
-    if (!typeItem || rows.isEmpty()) {
-        return nullptr;
-    }
-    const QString catalog = rows.first()->text(0);
-    for (int i = 0; i < typeItem->childCount(); ++i) {
-        if (typeItem->child(i)->text(0).compare(catalog, Qt::CaseInsensitive) == 0) {
-            return typeItem->child(i);
-        }
-    }
-    return nullptr;
-}
-
 QTreeWidgetItem* CMSelDlg::ChosenCatalog() const {
     QTreeWidgetItem* item = m_tree->currentItem();
     const quint32 data = CModuleTree::ItemData(item);
     if (data == CModuleTree::kTypeData) {
-        return ListedCatalog(item);
+        return m_lstCatalogs->SelectedCatalogOf(item);
     }
     return CModuleTree::IsCatalogData(data) ? item : nullptr;
 }

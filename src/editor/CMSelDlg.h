@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CCatalogList.h"
 #include "CDib.h"
 #include "HelpDialog.h"
 #include "HostValue.h"
@@ -76,20 +77,18 @@ private:
     void OnTreeSelectionChanged(QTreeWidgetItem* item);
     void OnTreeDoubleClick(QTreeWidgetItem* item);
     void OnListDoubleClick();
-    void AddModuleRow(const class CKVModule& module);
     int CheckedStyle() const;
     void ShowPreview(int style, int orientation);
     void ApplyLock();
     void PostOk();
     void SetTabOrder(QDialogButtonBox* buttons);
-    QTreeWidgetItem* ListedCatalog(QTreeWidgetItem* typeItem) const;
     QTreeWidgetItem* ChosenCatalog() const;
     void OnExtract();
 
     CModuleTree* m_tree;
     QPushButton* m_btnOK;
     QLabel* m_stcPreview;
-    QTreeWidget* m_lstCatalogs;
+    CCatalogList* m_lstCatalogs;
     QButtonGroup* m_styles;
     QRadioButton* m_btnVertical;
     QRadioButton* m_btnHorizontal;
