@@ -13,12 +13,14 @@
 #include "StylePicture.h"
 #include "ZelUtils.h"
 
+#include <QApplication>
 #include <QButtonGroup>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
@@ -141,6 +143,17 @@ void CTermBlockDefsDlg::showEvent(QShowEvent* event) {
     if (!m_bInited) {
         OnInitDialog();
     }
+}
+
+void CTermBlockDefsDlg::keyPressEvent(QKeyEvent* event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    QWidget* focus = QApplication::focusWidget();
+    if (enter && focus && (focus == m_grid || m_grid->isAncestorOf(focus))) {
+        // The editor's delegate stores the text on its own; OK is the user's choice.
+        event->accept();
+        return;
+    }
+    HelpDialog::keyPressEvent(event);
 }
 
 bool CTermBlockDefsDlg::OnInitDialog() {

@@ -66,6 +66,8 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    // Return in the grid ends the cell's edit there; it does not press OK.
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void BuildControls();
