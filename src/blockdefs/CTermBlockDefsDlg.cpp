@@ -276,7 +276,10 @@ void CTermBlockDefsDlg::OnAddFromModule() {
     }
     CABSelDlg selection(this);
     selection.SetPath(database);
-    if (ModalRunner::Run(selection) != kIdOk) {
+    const int answer = ModalRunner::Run(selection);
+    // New rows wait for their category and description there.
+    m_grid->setFocus();
+    if (answer != kIdOk) {
         return;
     }
     const QStringList names{selection.GetManufacturer(), selection.GetSeries(), selection.GetType(),
