@@ -225,7 +225,8 @@ TEST_F(BlockDefsFiles, OkRefusesIncompleteRowsAndDoubledDescriptionsAndAsksForMi
     Validate({good, {"HP9X", "Cat", "Second", ""}}, {kIdNo}, false, 2, 1);
     ASSERT_EQ(m_messages.shown.size(), 1u);
     const MessageRequest& asked = m_messages.shown.front();
-    EXPECT_TRUE(asked.text.contains(QStringLiteral("\"HP9X.SHT\" in row 2"))) << qPrintable(asked.text);
+    EXPECT_TRUE(asked.text.contains(QStringLiteral("\"HP9X.SHT\" in row 2")))
+        << qPrintable(asked.text);
     EXPECT_EQ(asked.buttons, MsgButtons::YesNo);
     EXPECT_EQ(asked.icon, MsgIcon::Warning);
     EXPECT_EQ(asked.caption, QStringLiteral("File Not Found"));
