@@ -43,17 +43,29 @@ struct BlocksOptions {
     bool has(const char* name) const { return values.contains(QLatin1String(name)); }
 };
 
-// The options of each action beside --dir; the list takes --find and --mode.
-const QMap<QString, QStringList>& ActionOptions() {
-    static const QMap<QString, QStringList> options = {
-        {QStringLiteral("add"), {"--category", "--description", "--sample"}},
-        {QStringLiteral("remove"), {}},
-        {QStringLiteral("set-style"), {}},
-        {QStringLiteral("set-orientation"), {}},
+// An action: the options it takes beside --dir, those it needs, and what its one operand
+// is (none for merge).
+struct ActionSpec {
+    QStringList allowed;
+    QStringList needed;
+    QString operand;
+};
+
+const QMap<QString, ActionSpec>& Actions() {
+    static const QMap<QString, ActionSpec> actions = {
+        {QStringLiteral("add"),
+         {{"--category", "--description", "--sample"},
+          {"--category", "--description"},
+          QStringLiteral("block file")}},
+        {QStringLiteral("remove"), {{}, {}, QStringLiteral("index")}},
+        {QStringLiteral("set-style"), {{}, {}, QStringLiteral("style")}},
+        {QStringLiteral("set-orientation"), {{}, {}, QStringLiteral("orientation")}},
         {QStringLiteral("merge"),
-         {"--manufacturer", "--series", "--type", "--catalog", "--category"}},
+         {{"--manufacturer", "--series", "--type", "--catalog", "--category"},
+          {"--manufacturer", "--series", "--type", "--catalog"},
+          QString()}},
     };
-    return options;
+    return actions;
 }
 
 int Fail(const QString& text, int status) {
@@ -67,58 +79,55 @@ bool ParseNumber(const QString& text, int& number) {
     return ok && !text.startsWith(u'+');
 }
 
+// The operand's value: an index from 1, a style from 1 to 9, H or V.
+bool CheckOperand(const QString& action, const QString& operand, QString& error) {
+    int number = 0;
+    if (action == QStringLiteral("remove") && (!ParseNumber(operand, number) || number < 1)) {
+        error = QStringLiteral("remove takes the index of a block, 1 or more");
+        return false;
+    }
+    if (action == QStringLiteral("set-style") &&
+        (!ParseNumber(operand, number) || number < 1 || number > 9)) {
+        error = QStringLiteral("set-style takes a style from 1 to 9");
+        return false;
+    }
+    if (action == QStringLiteral("set-orientation") &&
+        operand.compare(QStringLiteral("H"), Qt::CaseInsensitive) != 0 &&
+        operand.compare(QStringLiteral("V"), Qt::CaseInsensitive) != 0) {
+        error = QStringLiteral("set-orientation takes H or V");
+        return false;
+    }
+    return true;
+}
+
 bool CheckAction(const BlocksOptions& out, QString& error) {
-    const QStringList allowed = ActionOptions().value(out.action);
+    const ActionSpec spec = Actions().value(out.action);
     for (auto it = out.values.cbegin(); it != out.values.cend(); ++it) {
-        if (!allowed.contains(it.key())) {
+        if (!spec.allowed.contains(it.key())) {
             error = QStringLiteral("%1 does not go with %2").arg(it.key(), out.action);
             return false;
         }
     }
     if (out.finding || out.modeGiven) {
-        error =
-            QStringLiteral("%1 does not go with %2")
-                .arg(out.finding ? QStringLiteral("--find") : QStringLiteral("--mode"), out.action);
+        const QString option = out.finding ? QStringLiteral("--find") : QStringLiteral("--mode");
+        error = QStringLiteral("%1 does not go with %2").arg(option, out.action);
         return false;
     }
-    const qsizetype wanted = out.action == QStringLiteral("merge") ? 0 : 1;
-    if (out.operands.size() != wanted) {
-        error = wanted == 0 ? QStringLiteral("unknown argument %1").arg(out.operands.first())
-                            : QStringLiteral("%1 takes one %2")
-                                  .arg(out.action, out.action == QStringLiteral("add")
-                                                       ? QStringLiteral("block file")
-                                                       : QStringLiteral("value"));
+    if (spec.operand.isEmpty() && !out.operands.isEmpty()) {
+        error = QStringLiteral("unknown argument %1").arg(out.operands.first());
         return false;
     }
-    const QStringList needed =
-        out.action == QStringLiteral("add") ? QStringList{"--category", "--description"}
-        : out.action == QStringLiteral("merge")
-            ? QStringList{"--manufacturer", "--series", "--type", "--catalog"}
-            : QStringList();
-    for (const QString& name : needed) {
+    if (!spec.operand.isEmpty() && out.operands.size() != 1) {
+        error = QStringLiteral("%1 takes one %2").arg(out.action, spec.operand);
+        return false;
+    }
+    for (const QString& name : spec.needed) {
         if (!out.values.contains(name)) {
             error = QStringLiteral("%1 needs %2").arg(out.action, name);
             return false;
         }
     }
-    int number = 0;
-    if (out.action == QStringLiteral("remove") &&
-        (!ParseNumber(out.operands.first(), number) || number < 1)) {
-        error = QStringLiteral("remove takes the index of a block, 1 or more");
-        return false;
-    }
-    if (out.action == QStringLiteral("set-style") &&
-        (!ParseNumber(out.operands.first(), number) || number < 1 || number > 9)) {
-        error = QStringLiteral("set-style takes a style from 1 to 9");
-        return false;
-    }
-    if (out.action == QStringLiteral("set-orientation") &&
-        out.operands.first().compare(QStringLiteral("H"), Qt::CaseInsensitive) != 0 &&
-        out.operands.first().compare(QStringLiteral("V"), Qt::CaseInsensitive) != 0) {
-        error = QStringLiteral("set-orientation takes H or V");
-        return false;
-    }
-    return true;
+    return CheckOperand(out.action, out.operands.value(0), error);
 }
 
 bool ParseBlocksOptions(const QStringList& args, BlocksOptions& out, QString& error) {
@@ -129,7 +138,7 @@ bool ParseBlocksOptions(const QStringList& args, BlocksOptions& out, QString& er
         const QString& arg = args[i];
         if (!valueOptions.contains(arg)) {
             if (arg.startsWith(QStringLiteral("--")) ||
-                (out.action.isEmpty() && !ActionOptions().contains(arg))) {
+                (out.action.isEmpty() && !Actions().contains(arg))) {
                 error = QStringLiteral("unknown argument %1").arg(arg);
                 return false;
             }

@@ -173,7 +173,6 @@ TEST_F(BlocksChange, ARefusedChangeSaysWhyAndLeavesTheFileAsItWas) {
          "no catalog C under X / S / T"},
         {{"add", "HP1NEW", "--category", "C"}, 2, "needs --description"},
         {{"add", "--category", "C", "--description", "D"}, 2, "add takes one block file"},
-        {{"add", "A", "B", "--category", "C", "--description", "D"}, 2, "takes one"},
         {{"remove", "0"}, 2, "index"},
         {{"remove", "1", "--find", "X"}, 2, "--find does not go with remove"},
         {{"set-style", "10"}, 2, "1 to 9"},
