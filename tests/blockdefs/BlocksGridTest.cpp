@@ -191,6 +191,7 @@ TEST_F(BlocksGridTest, ReachingTheLastRowAddsOneFreeRowAndARemovedLastRowComesBa
     EXPECT_EQ(m_table.RowCount(), 4);
     EXPECT_EQ(m_grid->model()->rowCount(), 4);
     contextCommand(4, 3, "Remove Row");
+    EXPECT_EQ(m_grid->CurrentRow(), 3);
     EXPECT_EQ(m_table.RowCount(), 3);
     EXPECT_EQ(row(3), QStringLiteral("TB1|Other|Plain|"));
     ClickCell(*m_grid, 2, 1);
@@ -352,6 +353,12 @@ TEST_F(BlocksGridTest, ATableChangedBehindTheGridIsShownAgainKeepingTheCurrentCe
     EXPECT_EQ(m_table.RowCount(), 4);
     EXPECT_EQ(m_grid->CurrentRow(), 2);
     EXPECT_EQ(m_grid->UndoStack().count(), 0);
+    // Rows dropped behind the grid leave the current cell on the last row: no free row.
+    ClickCell(*m_grid, 3, 1);
+    m_table.RemoveRow(4);
+    m_grid->TableChanged();
+    EXPECT_EQ(m_grid->CurrentRow(), 3);
+    EXPECT_EQ(m_table.RowCount(), 3);
     // A browsed path replaces what an open editor holds.
     ClickCell(*m_grid, 1, 4);
     QTest::keyClick(m_grid, Qt::Key_F2);
