@@ -252,10 +252,9 @@ void CBlocksGrid::InsertRowBelowContext() {
 
 void CBlocksGrid::RemoveContextRow() {
     DiscardEditor();
-    m_bNoFreeRow = true;
-    const bool removed = m_model->RemoveRow(m_nContextRow);
-    m_bNoFreeRow = false;
-    if (removed) {
+    // A removed current row hands the current cell on before the row count drops, so
+    // a new last row gets no free row until the user moves there.
+    if (m_model->RemoveRow(m_nContextRow)) {
         UndoStack().clear();
     }
 }

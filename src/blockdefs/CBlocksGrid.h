@@ -90,7 +90,7 @@ private:
     BlockDefsTable* m_pTable = nullptr;
     int m_nContextRow = -1;
     int m_nContextCol = -1;
-    // While set, the current cell moving to the last row adds no free row: rows are
-    // removed or shown again, and the user did not move.
+    // While set, the current cell moving to the last row adds no free row: the rows
+    // are shown again and the user did not move.
     bool m_bNoFreeRow = false;
 };
