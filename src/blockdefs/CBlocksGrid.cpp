@@ -8,8 +8,12 @@
 #include <QAbstractItemDelegate>
 #include <QContextMenuEvent>
 #include <QCursor>
+#include <QHeaderView>
 #include <QMenu>
 #include <QMouseEvent>
+
+#include <algorithm>
+#include <numeric>
 
 namespace {
 
@@ -38,6 +42,8 @@ bool IsBrowseColumn(int col) {
 
 CBlocksGrid::CBlocksGrid(QWidget* parent) : GridCore(parent), m_model(new BlocksGridModel(this)) {
     SetGridModel(m_model);
+    connect(horizontalHeader(), &QHeaderView::sectionDoubleClicked, this,
+            [this](int section) { SortRows(section + 1); });
 }
 
 CBlocksGrid::~CBlocksGrid() = default;
@@ -80,6 +86,34 @@ void CBlocksGrid::TableChanged() {
         SetCurrentCell(row, col);
         m_bNoFreeRow = false;
     }
+}
+
+void CBlocksGrid::SortRows(int col) {
+    if (!m_pTable || col < 1 || col > m_model->ColCount() ||
+        m_pTable->RowCount() != m_model->RowCount()) {
+        return;
+    }
+    CommitEditor();
+    QList<BlockDefRow> rows = m_pTable->Rows();
+    QList<QString> keys;
+    for (int row = 1; row <= m_pTable->RowCount(); ++row) {
+        keys.append(m_pTable->Value(row, col).trimmed());
+    }
+    QList<int> order(rows.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(), [&keys](int a, int b) {
+        if (keys[a].isEmpty() || keys[b].isEmpty()) {
+            return !keys[a].isEmpty() && keys[b].isEmpty();
+        }
+        return keys[a].compare(keys[b], Qt::CaseInsensitive) < 0;
+    });
+    QList<BlockDefRow> sorted;
+    for (const int index : order) {
+        sorted.append(rows[index]);
+    }
+    m_pTable->SetRows(sorted);
+    UndoStack().clear();
+    m_model->RowsChanged(1, m_model->RowCount());
 }
 
 QString CBlocksGrid::GetCellValue(int row, int col) const {

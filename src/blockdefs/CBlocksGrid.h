@@ -53,6 +53,10 @@ public:
     // typed.
     void CommitEditor();
 
+    // Sorts the rows by a column's text, ignoring case, rows without one last; as a
+    // double click on the column's header does. Undo steps are dropped.
+    void SortRows(int col);
+
     // The cell of the last context menu; -1 when it was opened outside the cells.
     int ContextRow() const { return m_nContextRow; }
     int ContextCol() const { return m_nContextCol; }

@@ -142,6 +142,12 @@ TEST_F(BlocksGridTest, TheCategoryTakesTypedTextAndChosenLinesAndAnOpenEditorCou
     makeSampleGrid();
     TypeIntoCell(*m_grid, 1, 2, QStringLiteral("Relays"));
     EXPECT_EQ(m_table.Value(1, 2), QStringLiteral("Relays"));
+    // Regression: the combo completed "Out" to the choice "Outputs" and "relays" to
+    // "Relays".
+    TypeIntoCell(*m_grid, 2, 2, QStringLiteral("Out"));
+    EXPECT_EQ(m_table.Value(2, 2), QStringLiteral("Out"));
+    TypeIntoCell(*m_grid, 2, 2, QStringLiteral("relays"));
+    EXPECT_EQ(m_table.Value(2, 2), QStringLiteral("relays"));
 
     // Row 3: the first choice is its own "Other", the next "Relays".
     categoryChoices(3);
@@ -367,6 +373,28 @@ TEST_F(BlocksGridTest, ATableChangedBehindTheGridIsShownAgainKeepingTheCurrentCe
     m_grid->CommitEditor();
     EXPECT_EQ(m_table.Value(1, 4), QStringLiteral("C:/blocks/HP1DI.BMP"));
     EXPECT_FALSE(m_grid->SetCellValue(9, 1, QStringLiteral("X")));
+}
+
+TEST_F(BlocksGridTest, ADoubleClickOnAColumnHeaderSortsTheRowsByItIgnoringCaseEmptiesLast) {
+    makeGrid({Row("HP1DO", "outputs", "Digital out"), Row("TB1", "", "Plain"),
+              Row("HP1DI", "Inputs", "Digital in"), Row("HP1AI", "Outputs", "Analog in")});
+    QHeaderView* header = m_grid->horizontalHeader();
+    const auto doubleClickHeader = [&](int col) {
+        const QPoint centre(
+            header->sectionViewportPosition(col - 1) + header->sectionSize(col - 1) / 2,
+            header->height() / 2);
+        QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, centre);
+    };
+    doubleClickHeader(2);
+    // Equal keys keep their order: outputs before Outputs.
+    EXPECT_EQ(row(1), QStringLiteral("HP1DI|Inputs|Digital in|"));
+    EXPECT_EQ(row(2), QStringLiteral("HP1DO|outputs|Digital out|"));
+    EXPECT_EQ(row(3), QStringLiteral("HP1AI|Outputs|Analog in|"));
+    EXPECT_EQ(row(4), QStringLiteral("TB1||Plain|"));
+    EXPECT_EQ(m_grid->model()->index(3, 0).data().toString(), QStringLiteral("TB1"));
+    doubleClickHeader(1);
+    EXPECT_EQ(row(1), QStringLiteral("HP1AI|Outputs|Analog in|"));
+    EXPECT_EQ(row(4), QStringLiteral("TB1||Plain|"));
 }
 
 }  // namespace

@@ -77,6 +77,9 @@ QWidget* ChoiceDelegate::createEditor(QWidget* parent, const QStyleOptionViewIte
         combo->setEditable(true);
         // Typed text is the value; it is not added to the choices.
         combo->setInsertPolicy(QComboBox::NoInsert);
+        // No completion: a typed text that begins a choice, or differs from one only in
+        // case, is a value of its own.
+        combo->setCompleter(nullptr);
         combo->addItems(Grid(index)->CellChoices(index.row() + 1, index.column() + 1));
         auto* self = const_cast<ChoiceDelegate*>(this);
         connect(combo, &QComboBox::activated, self, [self, combo] {
