@@ -90,41 +90,40 @@ protected:
     }
 };
 
-TEST_F(CABSelDlgTest, ARowOfATypeChosenWithOkAnswersItsCatalogAndMovesTheTreeThere) {
-    CABSelDlg dialog;
-    const int result = run(dialog, [](CABSelDlg& d) {
-        QTreeWidgetItem* type = TypeItem(d, kKestrel, "KX", "Analog Output");
-        EXPECT_NE(type, nullptr);
-        if (type) {
-            ClickItem(d.Tree(), type);
-        }
-        EXPECT_EQ(Listed(d.List()), QStringList({"KX-AO2", "KX-AO8"}));
-        EXPECT_FALSE(OkButton(d)->isEnabled());
-        ClickItem(d.List(), Row(d.List(), "KX-AO8"));
-        EXPECT_TRUE(OkButton(d)->isEnabled());
-        QTest::mouseClick(OkButton(d), Qt::LeftButton);
-        EXPECT_EQ(d.Tree().currentItem()->text(0), QStringLiteral("KX-AO8"));
-        return 0;
-    });
-    EXPECT_EQ(result, kIdOk);
-    EXPECT_EQ(Answer(dialog), QStringList({kKestrel, "KX", "Analog Output", "KX-AO8"}));
+TEST_F(CABSelDlgTest, OkAnswersTheCatalogOfTheChosenRowOrTheOneSelectedInTheTree) {
+    const struct {
+        QStringList path;  // manufacturer, series, type, catalog
+        bool bInTree;      // the catalog clicked in the tree, else its row under the type
+        QStringList listed;
+    } cases[] = {
+        {{kKestrel, "KX", "Analog Output", "KX-AO8"}, false, {"KX-AO2", "KX-AO8"}},
+        {{"Norvale Controls", "NV-100", "Analog Input", "NV-1408"}, true, {"NV-1408"}},
+    };
+    for (const auto& c : cases) {
+        CABSelDlg dialog;
+        const int result = run(dialog, [&c](CABSelDlg& d) {
+            QTreeWidgetItem* catalog =
+                d.Tree().FindItem(c.path[0], c.path[1], c.path[2], c.path[3]);
+            EXPECT_NE(catalog, nullptr);
+            if (!catalog) {
+                return int(kIdCancel);
+            }
+            ClickItem(d.Tree(), c.bInTree ? catalog : catalog->parent());
+            EXPECT_EQ(Listed(d.List()), c.listed);
+            // A catalog of the tree comes selected; under a type the user picks the row.
+            EXPECT_EQ(OkButton(d)->isEnabled(), c.bInTree);
+            if (!c.bInTree) {
+                ClickItem(d.List(), Row(d.List(), c.path[3]));
+            }
+            QTest::mouseClick(OkButton(d), Qt::LeftButton);
+            // The tree follows the row that was confirmed.
+            EXPECT_EQ(d.Tree().currentItem(), catalog);
+            return 0;
+        });
+        EXPECT_EQ(result, kIdOk) << qPrintable(c.path[3]);
+        EXPECT_EQ(Answer(dialog), c.path);
+    }
     EXPECT_TRUE(m_messages.shown.empty());
-}
-
-TEST_F(CABSelDlgTest, ACatalogSelectedInTheTreeIsListedAloneSelectedAndOkReturnsIt) {
-    CABSelDlg dialog;
-    const int result = run(dialog, [](CABSelDlg& d) {
-        ClickItem(d.Tree(),
-                  d.Tree().FindItem("Norvale Controls", "NV-100", "Analog Input", "NV-1408"));
-        EXPECT_EQ(Listed(d.List()), QStringList({"NV-1408"}));
-        EXPECT_EQ(d.List().selectedItems().value(0), d.List().topLevelItem(0));
-        EXPECT_EQ(d.List().topLevelItem(0)->text(4).isEmpty(), false);
-        QTest::mouseClick(OkButton(d), Qt::LeftButton);
-        return 0;
-    });
-    EXPECT_EQ(result, kIdOk);
-    EXPECT_EQ(Answer(dialog),
-              QStringList({"Norvale Controls", "NV-100", "Analog Input", "NV-1408"}));
 }
 
 TEST_F(CABSelDlgTest, ATypeWithoutCatalogsListsNothingAndLeavesOkDisabled) {
@@ -266,25 +265,18 @@ TEST_F(CABSelDlgTest, ListColumnsCarryTheirHeadersAndScaleWithTheScreen) {
     m_host->setUi(nullptr);
 }
 
-TEST_F(CABSelDlgTest, HelpButtonAndF1OpenTheAddBlocksPage) {
+TEST_F(CABSelDlgTest, HelpOpensTheAddBlocksPage) {
     GuiHostUi screen(BuildPath(QStringLiteral("help")));
     m_host->setUi(&screen);
     CABSelDlg dialog;
     run(dialog, [](CABSelDlg& d) {
-        const auto page = [&d] {
-            return d.findChild<QTextBrowser*>(QLatin1String(GuiHostUi::kHelpWindowName));
-        };
         QTest::mouseClick(FindControl<QPushButton>(&d, CABSelDlg::kIdHelp), Qt::LeftButton);
-        EXPECT_NE(page(), nullptr);
-        if (page()) {
-            EXPECT_EQ(page()->source().fileName(), QStringLiteral("plc_settings_addblocks.html"));
-            EXPECT_FALSE(page()->toPlainText().isEmpty());
-            page()->close();
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        const auto* page = d.findChild<QTextBrowser*>(QLatin1String(GuiHostUi::kHelpWindowName));
+        EXPECT_NE(page, nullptr);
+        if (page) {
+            EXPECT_EQ(page->source().fileName(), QStringLiteral("plc_settings_addblocks.html"));
+            EXPECT_FALSE(page->toPlainText().isEmpty());
         }
-        EXPECT_EQ(page(), nullptr);
-        QTest::keyClick(&d.Tree(), Qt::Key_F1);
-        EXPECT_NE(page(), nullptr);
         return int(kIdCancel);
     });
     m_host->setUi(nullptr);
