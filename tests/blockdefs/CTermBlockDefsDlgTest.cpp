@@ -351,14 +351,3 @@ TEST_F(BlockDefsDialog, AddFromModuleAppendsTheBlocksTheListLacksAndCancelAddsNo
     EXPECT_TRUE(script.done());
     EXPECT_EQ(script.unexpected, 0);
 }
-
-TEST_F(BlockDefsDialog, HelpButtonAndHelpKeyOpenTheDefinitionsPage) {
-    writeBsf(":HP1DI;Digital;Input;\n");
-    QStringList reports;
-    m_host->setUi(nullptr);
-    m_host->setReporter([&reports](const QString& text) { reports << text; });
-    open();
-    click(Dlg::kIdHelp);
-    QTest::keyClick(m_dialog.get(), Qt::Key_F1);
-    EXPECT_EQ(reports.filter(QStringLiteral("Help topic: term_block_set")).size(), 2);
-}
