@@ -2,7 +2,6 @@
 #include "CKVModule.h"
 #include "TerminalFixture.h"
 #include "TestSupport.h"
-#include "ZelPlcDbIO.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,7 +10,9 @@
 
 namespace {
 
-QStringList BlockFiles(const BlockDefsTable& table) {
+using Table = BlockDefsTable;
+
+QStringList BlockFiles(const Table& table) {
     QStringList files;
     for (const BlockDefRow& row : table.Rows()) {
         files << row.blockFile;
@@ -19,43 +20,25 @@ QStringList BlockFiles(const BlockDefsTable& table) {
     return files;
 }
 
-CKVModule ModuleWith(const QStringList& terminals) {
-    CKVModule module;
-    for (const QString& text : terminals) {
-        module.SetTermText(module.GetTermCount() + 1, text);
-    }
-    return module;
-}
-
 }  // namespace
 
 TEST(BlockDefsTable, OnlyHpAndVpNamesWithAStyleDigitAreRewritten) {
     const struct {
         const char* name;
-        int style;
-        int orientation;
-        bool rewritten;
-        const char* result;
+        int style, orientation;
+        const char* result;  // none: not rewritten, the name stays
     } cases[] = {
-        {"HP2RELAY", 5, 1, true, "HP5RELAY"},
-        {"VP2X", 5, 1, true, "HP5X"},
-        {"HP2RELAY", 5, 2, true, "VP5RELAY"},
-        {"hp0abc", 3, 2, true, "Vp3abc"},  // 0 is accepted as the old digit, case kept
-        {"HP2", 4, 1, true, "HP4"},
-        {"HP2X", 3, 3, true, "P3X"},  // no letter for an unknown orientation
-        {"TB1", 5, 1, false, "TB1"},
-        {"HP?SPACE", 5, 1, false, "HP?SPACE"},
-        {"XP2A", 5, 1, false, "XP2A"},
-        {"HQ2A", 5, 1, false, "HQ2A"},
-        {"HP", 5, 1, false, "HP"},
-        {"HP2X", 0, 1, false, "HP2X"},
-        {"HP2X", 10, 1, false, "HP2X"},
+        {"HP2RELAY", 5, 1, "HP5RELAY"}, {"VP2X", 5, 1, "HP5X"},      {"HP2RELAY", 5, 2, "VP5RELAY"},
+        {"hp0abc", 3, 2, "Vp3abc"},     {"HP2", 4, 1, "HP4"},        {"HP2X", 3, 3, "P3X"},
+        {"TB1", 5, 1, nullptr},         {"HP?SPACE", 5, 1, nullptr}, {"XP2A", 5, 1, nullptr},
+        {"HQ2A", 5, 1, nullptr},        {"HP", 5, 1, nullptr},       {"HP2X", 0, 1, nullptr},
+        {"HP2X", 10, 1, nullptr},
     };
-    for (const auto& row : cases) {
-        QString name = QString::fromLatin1(row.name);
-        EXPECT_EQ(BlockDefsTable::RewriteBlockName(name, row.style, row.orientation), row.rewritten)
-            << row.name;
-        EXPECT_EQ(name, QString::fromLatin1(row.result)) << row.name;
+    for (const auto& c : cases) {
+        QString name = QString::fromLatin1(c.name);
+        EXPECT_EQ(Table::RewriteBlockName(name, c.style, c.orientation), c.result != nullptr)
+            << c.name;
+        EXPECT_EQ(name, QString::fromLatin1(c.result ? c.result : c.name)) << c.name;
     }
 }
 
@@ -63,89 +46,75 @@ TEST(BlockDefsTable, TheStartStateComesFromTheFirstName) {
     const struct {
         const char* name;
         int style;
-        BlockDefsTable::Orientation orientation;
+        Table::Orientation orientation;
     } cases[] = {
-        {"", 1, BlockDefsTable::kVertical},           {"HP5X", 5, BlockDefsTable::kHorizontal},
-        {"hp0x", 1, BlockDefsTable::kHorizontal},     {"VP9", 9, BlockDefsTable::kVertical},
-        {"HP?SPACE", 1, BlockDefsTable::kHorizontal}, {"TB7", 7, BlockDefsTable::kVertical},
+        {"", 1, Table::kVertical},           {"HP5X", 5, Table::kHorizontal},
+        {"hp0x", 1, Table::kHorizontal},     {"VP9", 9, Table::kVertical},
+        {"HP?SPACE", 1, Table::kHorizontal}, {"TB7", 7, Table::kVertical},
     };
-    for (const auto& row : cases) {
-        const QString name = QString::fromLatin1(row.name);
-        EXPECT_EQ(BlockDefsTable::StyleOfName(name), row.style) << row.name;
-        EXPECT_EQ(BlockDefsTable::OrientationOfName(name), row.orientation) << row.name;
+    for (const auto& c : cases) {
+        EXPECT_EQ(Table::StyleOfName(QString::fromLatin1(c.name)), c.style) << c.name;
+        EXPECT_EQ(Table::OrientationOfName(QString::fromLatin1(c.name)), c.orientation) << c.name;
     }
 }
 
 TEST(BlockDefsTable, AStyleRewritesBlockAndSampleOfEveryRowAndNamesTheRowsChanged) {
-    BlockDefsTable table;
+    Table table;
     table.SetRows({{"TB1", "Cat", "Terminal", "tb.bmp"},
                    {"HP2RELAY", "Relay", "Relay", "VP2X"},
                    {"HP?SPACE", "Spacers", "Header", ""},
                    {"HP5DI", "Digital", "In", "HP5di"}});
-    EXPECT_EQ(table.ApplyStyle(5, BlockDefsTable::kHorizontal), QList<int>{2});
+    EXPECT_EQ(table.ApplyStyle(5, Table::kHorizontal), QList<int>{2});
     EXPECT_EQ(BlockFiles(table), (QStringList{"TB1", "HP5RELAY", "HP?SPACE", "HP5DI"}));
-    EXPECT_EQ(table.Value(2, BlockDefsTable::ColumnSampleFile), QStringLiteral("HP5X"));
-    EXPECT_EQ(table.Value(1, BlockDefsTable::ColumnSampleFile), QStringLiteral("tb.bmp"));
-
-    EXPECT_EQ(table.ApplyStyle(5, BlockDefsTable::kVertical), (QList<int>{2, 4}));
+    EXPECT_EQ(table.Value(2, Table::ColumnSampleFile), QStringLiteral("HP5X"));
+    EXPECT_EQ(table.Value(1, Table::ColumnSampleFile), QStringLiteral("tb.bmp"));
+    EXPECT_EQ(table.ApplyStyle(5, Table::kVertical), (QList<int>{2, 4}));
     EXPECT_EQ(BlockFiles(table), (QStringList{"TB1", "VP5RELAY", "HP?SPACE", "VP5DI"}));
-    EXPECT_EQ(table.Value(4, BlockDefsTable::ColumnSampleFile), QStringLiteral("VP5di"));
-
-    EXPECT_TRUE(table.ApplyStyle(10, BlockDefsTable::kHorizontal).isEmpty());
+    EXPECT_EQ(table.Value(4, Table::ColumnSampleFile), QStringLiteral("VP5di"));
+    EXPECT_TRUE(table.ApplyStyle(10, Table::kHorizontal).isEmpty());
     EXPECT_EQ(BlockFiles(table), (QStringList{"TB1", "VP5RELAY", "HP?SPACE", "VP5DI"}));
 }
 
 TEST(BlockDefsTable, AMergeAddsEachUnknownTerminalOnceWithTheDialogsLetterAndDigit) {
+    const auto H = Table::kHorizontal;
+    const auto V = Table::kVertical;
     const struct {
-        const char* what;
-        QStringList start;
-        QStringList terminals;
-        BlockDefsTable::Orientation selected;
-        QStringList after;
+        const char *start, *terminals;  // lists split at '|'
+        Table::Orientation selected;
+        const char* after;
     } cases[] = {
-        {"any style and orientation of a row matches",
-         {"HP1SPACE"},
-         {"HP?SPACE", "hp?space", "VP?SPACE"},
-         BlockDefsTable::kHorizontal,
-         {"HP1SPACE"}},
-        {"a vertical row matches a horizontal terminal",
-         {"VP2SPACE"},
-         {"HP?SPACE"},
-         BlockDefsTable::kVertical,
-         {"VP2SPACE"}},
-        {"the row just added serves the later terminals; the letter is the opposite of the "
-         "selected one and the digit that of the last row compared",
-         {"XB7"},
-         {"HP?SPACE", "hp?space", "HP?SPACE"},
-         BlockDefsTable::kHorizontal,
-         {"XB7", "VP7SPACE"}},
-        {"a masked row gives style 1",
-         {"HP4DI"},
-         {"HP?DO"},
-         BlockDefsTable::kVertical,
-         {"HP4DI", "HP1DO"}},
-        {"a terminal with a digit third never matches a row of the H and V kind",
-         {"HP2DI"},
-         {"HP2DI"},
-         BlockDefsTable::kVertical,
-         {"HP2DI", "HP1DI"}},
-        {"other names compare as they stand, case ignored, rows trimmed",
-         {" tb9 ", "HP1AI"},
-         {"TB9", "", "X1", "TB9"},
-         BlockDefsTable::kVertical,
-         {" tb9 ", "HP1AI", "X1"}},
-        {"an empty table", {}, {"vp?ai", "HP?AI"}, BlockDefsTable::kVertical, {"Hp1ai"}},
+        // Any style and orientation of an H or V row matches.
+        {"HP1SPACE", "HP?SPACE|hp?space|VP?SPACE", H, "HP1SPACE"},
+        {"VP2SPACE", "HP?SPACE", V, "VP2SPACE"},
+        // The letter is the opposite of the selected one, the digit that of the last row
+        // compared (1 when masked); the row just added serves the later terminals.
+        {"XB7", "HP?SPACE|hp?space|HP?SPACE", H, "XB7|VP7SPACE"},
+        {"HP4DI", "HP?DO", V, "HP4DI|HP1DO"},
+        {nullptr, "vp?ai|HP?AI", V, "Hp1ai"},
+        // A terminal with a digit third never matches an H or V row.
+        {"HP2DI", "HP2DI", V, "HP2DI|HP1DI"},
+        // Other names compare as they stand, case ignored, rows trimmed; blanks are skipped.
+        {" tb9 |HP1AI", "TB9||X1|TB9", V, " tb9 |HP1AI|X1"},
     };
-    for (const auto& row : cases) {
-        BlockDefsTable table;
-        for (const QString& file : row.start) {
+    const auto split = [](const char* list) {
+        return list ? QString::fromLatin1(list).split(u'|') : QStringList();
+    };
+    for (const auto& c : cases) {
+        Table table;
+        for (const QString& file : split(c.start)) {
             table.AppendRow({file, QStringLiteral("Cat"), file, {}});
         }
-        const int added = table.MergeModuleTerminals(ModuleWith(row.terminals), row.selected);
-        EXPECT_EQ(BlockFiles(table), row.after) << row.what;
-        EXPECT_EQ(added, row.after.size() - row.start.size()) << row.what;
-        for (int i = int(row.start.size()) + 1; i <= table.RowCount(); ++i) {
-            EXPECT_TRUE(table.Value(i, BlockDefsTable::ColumnCategory).isEmpty()) << row.what;
+        CKVModule module;
+        for (const QString& text : split(c.terminals)) {
+            module.SetTermText(module.GetTermCount() + 1, text);
+        }
+        const QStringList after = split(c.after);
+        EXPECT_EQ(table.MergeModuleTerminals(module, c.selected),
+                  after.size() - split(c.start).size())
+            << c.terminals;
+        EXPECT_EQ(BlockFiles(table), after) << c.terminals;
+        for (int i = int(split(c.start).size()) + 1; i <= table.RowCount(); ++i) {
+            EXPECT_TRUE(table.Value(i, Table::ColumnCategory).isEmpty()) << c.terminals;
         }
     }
 }
@@ -161,74 +130,54 @@ protected:
         ASSERT_TRUE(picture.open(QIODevice::WriteOnly));
         m_table.SetDirectory(settingsFolder());
     }
-    // The messages shown while validating rows, by number.
-    QList<int> Validate(const QList<BlockDefRow>& rows, const std::vector<int>& answers,
-                        bool expected, int row, int col) {
+
+    ProgramTexts m_texts;
+    ScriptedMessages m_messages;
+    Table m_table;
+};
+
+TEST_F(BlockDefsFiles, OkRefusesIncompleteRowsAndDoubledDescriptionsAndAsksForMissingFiles) {
+    const struct {
+        const char* what;
+        BlockDefRow second;
+        std::vector<int> answers;  // to the questions about missing files
+        int failCol;               // 0: the rows pass
+        QList<int> messages;
+    } cases[] = {
+        {"a complete row", {"HP1B.SHT", " Cat ", "Second", " a.bmp"}, {}, 0, {}},
+        {"a row with only a sample", {"", "", "", "a.bmp"}, {}, 0, {}},
+        {"an empty row", {" ", "", " ", ""}, {}, 0, {}},
+        {"a missing block kept", {"HP9X", "Cat", "Second", ""}, {kIdYes}, 0, {10047}},
+        {"a missing block refused", {"HP9X", "Cat", "Second", ""}, {kIdNo}, 1, {10047}},
+        {"a missing sample refused", {"HP1B", "Cat", "Second", "x"}, {kIdNo}, 4, {10047}},
+        {"both missing, both kept", {"HP9X", "C", "S", "x"}, {kIdYes, kIdYes}, 0, {10047, 10047}},
+        {"a description in another case", {"HP1B", "Cat", " FIRST ", ""}, {}, 3, {10048}},
+        {"no block file", {"", "Cat", "", ""}, {}, 1, {10050}},
+        {"no category", {"HP1B", " ", "Second", ""}, {}, 2, {10051}},
+        {"no description", {"HP1B", "Cat", "", ""}, {}, 3, {10052}},
+    };
+    for (const auto& c : cases) {
         m_messages.shown.clear();
-        m_messages.answers = answers;
-        m_table.SetRows(rows);
-        int failRow = 0;
-        int failCol = 0;
-        EXPECT_EQ(m_table.Validate(failRow, failCol), expected);
-        EXPECT_EQ(failRow, row);
-        EXPECT_EQ(failCol, col);
+        m_messages.answers = c.answers;
+        m_table.SetRows({{"HP1A", "Cat", "First", "a.bmp"}, c.second});
+        int row = 0;
+        int col = 0;
+        EXPECT_EQ(m_table.Validate(row, col), c.failCol == 0) << c.what;
+        EXPECT_EQ(row, c.failCol == 0 ? 0 : 2) << c.what;
+        EXPECT_EQ(col, c.failCol) << c.what;
         QList<int> numbers;
         for (const MessageRequest& request : m_messages.shown) {
             numbers << request.number;
         }
-        return numbers;
+        EXPECT_EQ(numbers, c.messages) << c.what;
     }
-
-    ProgramTexts m_texts;
-    ScriptedMessages m_messages;
-    BlockDefsTable m_table;
-};
-
-TEST_F(BlockDefsFiles, OkRefusesIncompleteRowsAndDoubledDescriptionsAndAsksForMissingFiles) {
-    const BlockDefRow good{"HP1A", "Cat", "First", "a.bmp"};
-    const struct {
-        const char* what;
-        BlockDefRow second;
-        std::vector<int> answers;
-        bool passes;
-        int col;
-        QList<int> messages;
-    } cases[] = {
-        {"a complete row", {"HP1B.SHT", " Cat ", "Second", " a.bmp"}, {}, true, 0, {}},
-        {"a row with only a sample", {"", "", "", "a.bmp"}, {}, true, 0, {}},
-        {"an empty row", {" ", "", " ", ""}, {}, true, 0, {}},
-        {"a missing block kept", {"HP9X", "Cat", "Second", ""}, {kIdYes}, true, 0, {10047}},
-        {"a missing block refused", {"HP9X", "Cat", "Second", ""}, {kIdNo}, false, 1, {10047}},
-        {"a missing sample refused", {"HP1B", "Cat", "Second", "x"}, {kIdNo}, false, 4, {10047}},
-        {"both missing, both kept",
-         {"HP9X", "Cat", "Second", "x"},
-         {kIdYes, kIdYes},
-         true,
-         0,
-         {10047, 10047}},
-        {"a description in another case", {"HP1B", "Cat", " FIRST ", ""}, {}, false, 3, {10048}},
-        {"no block file", {"", "Cat", "", ""}, {}, false, 1, {10050}},
-        {"no category", {"HP1B", " ", "Second", ""}, {}, false, 2, {10051}},
-        {"no description", {"HP1B", "Cat", "", ""}, {}, false, 3, {10052}},
-    };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.what);
-        EXPECT_EQ(
-            Validate({good, row.second}, row.answers, row.passes, row.passes ? 0 : 2, row.col),
-            row.messages);
-    }
-    // The question names the file as it is searched for, and is a warning with Yes and No.
-    Validate({good, {"HP9X", "Cat", "Second", ""}}, {kIdNo}, false, 2, 1);
-    ASSERT_EQ(m_messages.shown.size(), 1u);
-    const MessageRequest& asked = m_messages.shown.front();
-    EXPECT_TRUE(asked.text.contains(QStringLiteral("\"HP9X.SHT\" in row 2")))
-        << qPrintable(asked.text);
-    EXPECT_EQ(asked.buttons, MsgButtons::YesNo);
-    EXPECT_EQ(asked.icon, MsgIcon::Warning);
-    EXPECT_EQ(asked.caption, QStringLiteral("File Not Found"));
 }
 
 TEST_F(BlockDefsFiles, ARoundTripKeepsEveryBlockLineAndThePathListAndDropsTheRest) {
+    m_table.SetRows({{"HP1A", "Cat", "First", ""}});
+    EXPECT_FALSE(m_table.Read());  // no settings file: no rows
+    EXPECT_EQ(m_table.RowCount(), 0);
+
     writeSettings("* comment\n:HP1A; Cat ;First;a.bmp\nstray line\n:HP1B;Cat;Second\n");
     QFile paths(QDir(settingsFolder()).filePath(QStringLiteral("blkplist.txt")));
     ASSERT_TRUE(paths.open(QIODevice::WriteOnly));
@@ -236,7 +185,7 @@ TEST_F(BlockDefsFiles, ARoundTripKeepsEveryBlockLineAndThePathListAndDropsTheRes
     paths.close();
     ASSERT_TRUE(m_table.Read());
     EXPECT_EQ(BlockFiles(m_table), (QStringList{"HP1A", "HP1B"}));
-    EXPECT_EQ(m_table.Value(1, BlockDefsTable::ColumnCategory), QStringLiteral(" Cat "));
+    EXPECT_EQ(m_table.Value(1, Table::ColumnCategory), QStringLiteral(" Cat "));
     m_table.AppendRow({"HP1C", "", "Only a file", ""});
     m_table.AppendRow({"", "", "", "a.bmp"});
     ASSERT_TRUE(m_table.Write());
@@ -248,41 +197,4 @@ TEST_F(BlockDefsFiles, ARoundTripKeepsEveryBlockLineAndThePathListAndDropsTheRes
     m_table.SetRows({});
     ASSERT_TRUE(m_table.Write());
     EXPECT_EQ(readSettings(), QByteArray());
-}
-
-TEST_F(BlockDefsFiles, WithoutASettingsFileTheTableHasNoRows) {
-    m_table.SetRows({{"HP1A", "Cat", "First", ""}});
-    EXPECT_FALSE(m_table.Read());
-    EXPECT_EQ(m_table.RowCount(), 0);
-}
-
-TEST(BlockDefsStore, AMergeFromTheStoreTakesTheCatalogsTerminalsOrAnswersMinusOne) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("ZEL_PLC.MDB"));
-    ASSERT_TRUE(QFile::copy(BuildPath(QStringLiteral("sample/ZEL_PLC.MDB")), path));
-    ZelPlcDbIO store;
-    ZelPlcDbIO::SetInstance(&store);
-    BlockDefsTable table;
-    table.AppendRow({"HP3AI", "Analog", "Analog input", ""});
-    EXPECT_EQ(table.MergeFromCatalog(path, QStringLiteral("Norvale Controls"),
-                                     QStringLiteral("NV-100"), QStringLiteral("Analog Input"),
-                                     QStringLiteral("NV-1404"), BlockDefsTable::kVertical),
-              3);
-    EXPECT_EQ(BlockFiles(table), (QStringList{"HP3AI", "HP1SPACE", "HP1SHLD", "HP1PWR"}));
-
-    EXPECT_EQ(table.MergeFromCatalog(path, QStringLiteral("Norvale Controls"),
-                                     QStringLiteral("NV-100"), QStringLiteral("Analog Input"),
-                                     QStringLiteral("NV-9999"), BlockDefsTable::kVertical),
-              -1);
-    EXPECT_EQ(table.MergeFromCatalog(path, QStringLiteral("Nobody"), QStringLiteral("NV-100"),
-                                     QStringLiteral("Analog Input"), QStringLiteral("NV-1404"),
-                                     BlockDefsTable::kVertical),
-              -1);
-    EXPECT_EQ(table.MergeFromCatalog(dir.filePath(QStringLiteral("none/ZEL_PLC.MDB")),
-                                     QStringLiteral("Norvale Controls"), QStringLiteral("NV-100"),
-                                     QStringLiteral("Analog Input"), QStringLiteral("NV-1404"),
-                                     BlockDefsTable::kVertical),
-              -1);
-    EXPECT_EQ(table.RowCount(), 4);
-    ZelPlcDbIO::SetInstance(nullptr);
 }

@@ -3,15 +3,12 @@
 #include "CModuleTree.h"
 #include "DialogControls.h"
 #include "EditorFixture.h"
-#include "GuiHostUi.h"
 #include "ModalRunner.h"
 
 #include <QApplication>
 #include <QFile>
-#include <QHeaderView>
 #include <QPushButton>
 #include <QTest>
-#include <QTextBrowser>
 #include <QTreeWidget>
 
 namespace {
@@ -23,35 +20,39 @@ QStringList Answer(const CABSelDlg& dialog) {
     return {dialog.GetManufacturer(), dialog.GetSeries(), dialog.GetType(), dialog.GetCatalog()};
 }
 
-// Brings an item of a tree into view, as a user opens its parents and scrolls to it.
-QPoint ShowItem(QTreeWidget& tree, QTreeWidgetItem* item) {
+// Clicks (twice for a double click) an item as a user does, opening its parents first.
+void ClickItem(QTreeWidget& tree, QTreeWidgetItem* item, bool twice = false) {
     for (QTreeWidgetItem* parent = item->parent(); parent; parent = parent->parent()) {
         parent->setExpanded(true);
     }
     tree.doItemsLayout();
     tree.scrollToItem(item);
-    return tree.visualItemRect(item).center();
-}
-
-void ClickItem(QTreeWidget& tree, QTreeWidgetItem* item) {
-    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, ShowItem(tree, item));
-}
-
-void DoubleClickItem(QTreeWidget& tree, QTreeWidgetItem* item) {
-    const QPoint at = ShowItem(tree, item);
+    const QPoint at = tree.visualItemRect(item).center();
     QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, at);
-    QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, at);
+    if (twice) {
+        QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, at);
+    }
 }
 
 QTreeWidgetItem* Row(QTreeWidget& list, const QString& catalog) {
     return list.findItems(catalog, Qt::MatchExactly, 0).value(0);
 }
 
-QPushButton* OkButton(QDialog& d) {
+// A type of Kestrel's KX series.
+QTreeWidgetItem* Type(CABSelDlg& d, const char* type) {
+    const auto flags = Qt::MatchExactly | Qt::MatchRecursive;
+    for (QTreeWidgetItem* item : d.Tree().findItems(QLatin1String(type), flags)) {
+        if (item->parent() && item->parent()->text(0) == QLatin1String("KX")) {
+            return item;
+        }
+    }
+    return nullptr;
+}
+
+QPushButton* Ok(QDialog& d) {
     return FindControl<QPushButton>(&d, CABSelDlg::kIdOk);
 }
 
-// The catalogs listed, top to bottom.
 QStringList Listed(QTreeWidget& list) {
     QStringList catalogs;
     for (int i = 0; i < list.topLevelItemCount(); ++i) {
@@ -64,8 +65,8 @@ QStringList Listed(QTreeWidget& list) {
 
 class CABSelDlgTest : public EditorFixture {
 protected:
-    // Runs a dialog on the sample copy with one step of the user's; the step answers its
-    // last press (0 when it ended the dialog itself or leaves it open).
+    // Runs a dialog on the sample copy with one step of the user's, which answers its last
+    // press (0 when it ended the dialog itself).
     int run(CABSelDlg& dialog, const std::function<int(CABSelDlg&)>& step) {
         dialog.SetPath(databasePath());
         QueuedModalScript script;
@@ -74,23 +75,9 @@ protected:
         EXPECT_TRUE(script.done());
         return result;
     }
-
-    // The type item of the sample, found as the user sees it.
-    static QTreeWidgetItem* TypeItem(CABSelDlg& dialog, const QString& manufacturer,
-                                     const QString& series, const QString& type) {
-        const QList<QTreeWidgetItem*> found =
-            dialog.Tree().findItems(type, Qt::MatchExactly | Qt::MatchRecursive);
-        for (QTreeWidgetItem* item : found) {
-            if (item->parent() && item->parent()->text(0) == series &&
-                item->parent()->parent()->text(0) == manufacturer) {
-                return item;
-            }
-        }
-        return nullptr;
-    }
 };
 
-TEST_F(CABSelDlgTest, OkAnswersTheCatalogOfTheChosenRowOrTheOneSelectedInTheTree) {
+TEST_F(CABSelDlgTest, OkAnswersTheCatalogOfTheChosenRowOrTheTreeAndTheNextDialogOpensThere) {
     const struct {
         QStringList path;  // manufacturer, series, type, catalog
         bool bInTree;      // the catalog clicked in the tree, else its row under the type
@@ -104,182 +91,86 @@ TEST_F(CABSelDlgTest, OkAnswersTheCatalogOfTheChosenRowOrTheOneSelectedInTheTree
         const int result = run(dialog, [&c](CABSelDlg& d) {
             QTreeWidgetItem* catalog =
                 d.Tree().FindItem(c.path[0], c.path[1], c.path[2], c.path[3]);
-            EXPECT_NE(catalog, nullptr);
             if (!catalog) {
+                ADD_FAILURE() << "no catalog " << qPrintable(c.path[3]);
                 return int(kIdCancel);
             }
             ClickItem(d.Tree(), c.bInTree ? catalog : catalog->parent());
             EXPECT_EQ(Listed(d.List()), c.listed);
             // A catalog of the tree comes selected; under a type the user picks the row.
-            EXPECT_EQ(OkButton(d)->isEnabled(), c.bInTree);
+            EXPECT_EQ(Ok(d)->isEnabled(), c.bInTree);
             if (!c.bInTree) {
                 ClickItem(d.List(), Row(d.List(), c.path[3]));
             }
-            QTest::mouseClick(OkButton(d), Qt::LeftButton);
-            // The tree follows the row that was confirmed.
-            EXPECT_EQ(d.Tree().currentItem(), catalog);
+            QTest::mouseClick(Ok(d), Qt::LeftButton);
+            EXPECT_EQ(d.Tree().currentItem(), catalog);  // the tree follows the row
             return 0;
         });
         EXPECT_EQ(result, kIdOk) << qPrintable(c.path[3]);
         EXPECT_EQ(Answer(dialog), c.path);
     }
     EXPECT_TRUE(m_messages.shown.empty());
+    CABSelDlg next;  // opens at the catalog last chosen
+    run(next, [](CABSelDlg& d) {
+        EXPECT_EQ(d.Tree().currentItem()->text(0), QStringLiteral("NV-1408"));
+        EXPECT_EQ(Listed(d.List()), QStringList({"NV-1408"}));
+        EXPECT_TRUE(Ok(d)->isEnabled());
+        return int(kIdCancel);
+    });
+    EXPECT_EQ(Answer(next), QStringList({"", "", "", ""}));
 }
 
-TEST_F(CABSelDlgTest, ATypeWithoutCatalogsListsNothingAndLeavesOkDisabled) {
+TEST_F(CABSelDlgTest, OkStaysDisabledUntilARowOfTheTypeIsChosen) {
     {
         CKVModuleDB db;
         ASSERT_TRUE(db.Open(databasePath()));
         ASSERT_TRUE(db.AddIndex(kKestrel, QStringLiteral("KX"), QStringLiteral("Relay Output")));
-        db.Close();
     }
     CABSelDlg dialog;
-    const int result = run(dialog, [](CABSelDlg& d) {
-        // A type with catalogs first, so that the list has rows to lose.
-        ClickItem(d.Tree(), TypeItem(d, kKestrel, "KX", "Analog Output"));
+    run(dialog, [](CABSelDlg& d) {
+        ClickItem(d.Tree(), Type(d, "Analog Output"));
+        EXPECT_FALSE(Ok(d)->isEnabled());
         ClickItem(d.List(), Row(d.List(), "KX-AO2"));
-        QTreeWidgetItem* empty = TypeItem(d, kKestrel, "KX", "Relay Output");
-        EXPECT_NE(empty, nullptr);
-        if (empty) {
-            ClickItem(d.Tree(), empty);
-            EXPECT_EQ(d.Tree().currentItem(), empty);
-        }
+        EXPECT_TRUE(Ok(d)->isEnabled());
+        // A type without catalogs empties the list of the row chosen before.
+        ClickItem(d.Tree(), Type(d, "Relay Output"));
+        EXPECT_EQ(d.Tree().currentItem(), Type(d, "Relay Output"));
         EXPECT_EQ(d.List().topLevelItemCount(), 0);
-        EXPECT_FALSE(OkButton(d)->isEnabled());
+        EXPECT_FALSE(Ok(d)->isEnabled());
         return int(kIdCancel);
     });
-    EXPECT_EQ(result, kIdCancel);
 }
 
-TEST_F(CABSelDlgTest, OkPressedOnATypeWithoutASelectedRowShowsTheMessageAndStays) {
-    CABSelDlg dialog;
-    const int result = run(dialog, [this](CABSelDlg& d) {
-        ClickItem(d.Tree(), TypeItem(d, kKestrel, "KX", "Analog Output"));
-        EXPECT_EQ(d.List().topLevelItemCount(), 2);
-        EXPECT_FALSE(OkButton(d)->isEnabled());
-        d.accept();
-        EXPECT_TRUE(d.isVisible());
-        EXPECT_EQ(d.result(), 0);
-        EXPECT_EQ(m_messages.shown.size(), 1u);
-        return int(kIdCancel);
-    });
-    EXPECT_EQ(result, kIdCancel);
-    ASSERT_EQ(m_messages.shown.size(), 1u);
-    EXPECT_EQ(m_messages.shown[0].number, 4005);
-    EXPECT_TRUE(dialog.GetCatalog().isEmpty());
-}
-
-TEST_F(CABSelDlgTest, DoubleClicksConfirmOnARowOrACatalogAndOnlyOpenTheLevelsAbove) {
-    const struct {
-        const char* name;
-        bool bOnList;  // on the list row, else on the catalog in the tree
-    } cases[] = {{"a row of the list", true}, {"a catalog of the tree", false}};
-    for (const auto& c : cases) {
+TEST_F(CABSelDlgTest, DoubleClicksConfirmOnARowOrACatalogButNotOnAType) {
+    for (const bool bOnList : {true, false}) {  // on the list's row, else on the tree's catalog
         CABSelDlg dialog;
-        const int result = run(dialog, [&c](CABSelDlg& d) {
-            QTreeWidgetItem* manufacturer =
-                d.Tree().findItems(kKestrel, Qt::MatchRecursive).value(0);
-            EXPECT_NE(manufacturer, nullptr);
-            if (!manufacturer) {
+        const int result = run(dialog, [bOnList](CABSelDlg& d) {
+            QTreeWidgetItem* type = Type(d, "Digital Input");
+            if (!type) {
+                ADD_FAILURE() << "no Kestrel KX Digital Input";
                 return int(kIdCancel);
             }
-            manufacturer->setExpanded(false);
-            DoubleClickItem(d.Tree(), manufacturer);
-            QApplication::processEvents();
-            EXPECT_TRUE(manufacturer->isExpanded()) << c.name;
-            EXPECT_TRUE(d.isVisible()) << c.name;
-
             // A type with a row chosen is no catalog: a double click on it stays.
-            QTreeWidgetItem* type = TypeItem(d, kKestrel, "KX", "Digital Input");
             ClickItem(d.Tree(), type);
             ClickItem(d.List(), Row(d.List(), "KX-DI16"));
-            DoubleClickItem(d.Tree(), type);
+            ClickItem(d.Tree(), type, true);
             QApplication::processEvents();
-            EXPECT_TRUE(d.isVisible()) << c.name;
-            EXPECT_EQ(d.result(), 0) << c.name;
+            EXPECT_TRUE(d.isVisible());
 
             ClickItem(d.Tree(), type);
-            if (c.bOnList) {
-                DoubleClickItem(d.List(), Row(d.List(), "KX-DI16"));
+            if (bOnList) {
+                ClickItem(d.List(), Row(d.List(), "KX-DI16"), true);
             } else {
-                DoubleClickItem(d.Tree(), type->child(0));
+                ClickItem(d.Tree(), type->child(0), true);
             }
             // The confirmation is posted: the dialog ends once the events are handled.
-            EXPECT_TRUE(d.isVisible()) << c.name;
             QApplication::processEvents();
-            EXPECT_FALSE(d.isVisible()) << c.name;
+            EXPECT_FALSE(d.isVisible());
             return 0;
         });
-        EXPECT_EQ(result, kIdOk) << c.name;
-        EXPECT_EQ(Answer(dialog), QStringList({kKestrel, "KX", "Digital Input", "KX-DI16"}))
-            << c.name;
+        EXPECT_EQ(result, kIdOk) << bOnList;
+        EXPECT_EQ(Answer(dialog), QStringList({kKestrel, "KX", "Digital Input", "KX-DI16"}));
     }
-    EXPECT_TRUE(m_messages.shown.empty());
-}
-
-TEST_F(CABSelDlgTest, TheNextDialogOpensAtTheCatalogLastChosen) {
-    {
-        CABSelDlg first;
-        ASSERT_EQ(run(first,
-                      [](CABSelDlg& d) {
-                          ClickItem(d.Tree(), TypeItem(d, kKestrel, "KX", "Analog Output"));
-                          ClickItem(d.List(), Row(d.List(), "KX-AO8"));
-                          QTest::mouseClick(OkButton(d), Qt::LeftButton);
-                          return 0;
-                      }),
-                  kIdOk);
-    }
-    CABSelDlg second;
-    const int result = run(second, [](CABSelDlg& d) {
-        EXPECT_EQ(d.Tree().currentItem()->text(0), QStringLiteral("KX-AO8"));
-        EXPECT_EQ(Listed(d.List()), QStringList({"KX-AO8"}));
-        EXPECT_TRUE(OkButton(d)->isEnabled());
-        return int(kIdCancel);
-    });
-    EXPECT_EQ(result, kIdCancel);
-    // Cancel answers nothing.
-    EXPECT_EQ(Answer(second), QStringList({"", "", "", ""}));
-}
-
-TEST_F(CABSelDlgTest, ListColumnsCarryTheirHeadersAndScaleWithTheScreen) {
-    FixedScaleUi screen(1.5, 1.5);
-    m_host->setUi(&screen);
-    CABSelDlg dialog;
-    run(dialog, [](CABSelDlg& d) {
-        QTreeWidget& list = d.List();
-        QStringList headers;
-        for (int column = 0; column < list.columnCount(); ++column) {
-            headers << list.headerItem()->text(column);
-        }
-        EXPECT_EQ(headers, QStringList({"Catalog", "Points", "Rating", "Remarks", "Description"}));
-        EXPECT_EQ(list.columnWidth(0), 150);
-        EXPECT_EQ(list.columnWidth(3), 150);
-        // The short columns take the width their headers ask for, whatever the screen's
-        // scale; the last one also takes the room that is left.
-        EXPECT_EQ(list.columnWidth(1), list.header()->sectionSizeHint(1));
-        EXPECT_EQ(list.columnWidth(2), list.header()->sectionSizeHint(2));
-        EXPECT_NE(list.columnWidth(1), 75);
-        EXPECT_GE(list.columnWidth(4), list.header()->sectionSizeHint(4));
-        return int(kIdCancel);
-    });
-    m_host->setUi(nullptr);
-}
-
-TEST_F(CABSelDlgTest, HelpOpensTheAddBlocksPage) {
-    GuiHostUi screen(BuildPath(QStringLiteral("help")));
-    m_host->setUi(&screen);
-    CABSelDlg dialog;
-    run(dialog, [](CABSelDlg& d) {
-        QTest::mouseClick(FindControl<QPushButton>(&d, CABSelDlg::kIdHelp), Qt::LeftButton);
-        const auto* page = d.findChild<QTextBrowser*>(QLatin1String(GuiHostUi::kHelpWindowName));
-        EXPECT_NE(page, nullptr);
-        if (page) {
-            EXPECT_EQ(page->source().fileName(), QStringLiteral("plc_settings_addblocks.html"));
-            EXPECT_FALSE(page->toPlainText().isEmpty());
-        }
-        return int(kIdCancel);
-    });
-    m_host->setUi(nullptr);
     EXPECT_TRUE(m_messages.shown.empty());
 }
 
