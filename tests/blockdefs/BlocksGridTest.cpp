@@ -1,4 +1,5 @@
 #include "BlockDefsTable.h"
+#include "BlocksGridModel.h"
 #include "CBlocksGrid.h"
 #include "MenuChooser.h"
 #include "TestSupport.h"
@@ -6,7 +7,6 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QComboBox>
 #include <QHeaderView>
 #include <QTest>
 #include <QVBoxLayout>
@@ -64,20 +64,6 @@ protected:
             QTest::mouseClick(m_window->windowHandle(), Qt::RightButton, {}, at);
         });
     }
-    // Opens the category editor of a row with F2 and answers its choices.
-    QStringList categoryChoices(int r) {
-        ClickCell(*m_grid, r, BlockDefsTable::ColumnCategory);
-        QTest::keyClick(m_grid, Qt::Key_F2);
-        // The focus is in the combo's line edit.
-        QWidget* focus = QApplication::focusWidget();
-        auto* combo = focus ? qobject_cast<QComboBox*>(focus->parentWidget()) : nullptr;
-        combo = combo ? combo : qobject_cast<QComboBox*>(focus);
-        QStringList items;
-        for (int i = 0; combo && i < combo->count(); ++i) {
-            items.append(combo->itemText(i));
-        }
-        return items;
-    }
     static QString clipboard() { return QGuiApplication::clipboard()->text(); }
 
     ProgramTexts m_texts;
@@ -86,26 +72,16 @@ protected:
     CBlocksGrid* m_grid = nullptr;
 };
 
-TEST_F(BlocksGridTest, CategoryChoicesAreTheCellsOwnValueThenOtherRowsOnceInRowOrder) {
-    makeGrid({{"HP1DI", "Inputs", "", ""},
-              {"HP1DO", "  Outputs ", "", ""},
-              {"HP1AI", "inputs", "", ""},
-              {"HP1AO", "", "", ""},
-              {"HP1X", "Inputs", "", ""},
-              {"HP1Y", "Outputs", "", ""}});
-    // Own value trimmed and first; case differences count; blanks are no choice. Row 7 is
-    // the free row that the move to row 6 adds.
-    ClickCell(*m_grid, 6, 1);
-    for (const int r : {2, 1, 4, 7}) {
-        const QStringList others{"Inputs", "Outputs", "inputs"};
-        EXPECT_EQ(categoryChoices(r),
-                  (r == 2 ? QStringList{"Outputs", "Inputs", "inputs"} : others))
-            << "row " << r;
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+TEST(BlocksGridModel, CategoryChoicesAreTheCellsOwnValueThenOtherRowsOnceInRowOrder) {
+    // Own value trimmed and first; case differences count; blanks are no choice.
+    const QStringList categories{"Inputs", "  Outputs ", "inputs", "", "Inputs", "Outputs", " "};
+    EXPECT_EQ(BlocksGridModel::CategoryChoices(categories, 2),
+              (QStringList{"Outputs", "Inputs", "inputs"}));
+    for (const int row : {1, 4, 7}) {
+        EXPECT_EQ(BlocksGridModel::CategoryChoices(categories, row),
+                  (QStringList{"Inputs", "Outputs", "inputs"}))
+            << "row " << row;
     }
-    // The editor shows the value as it stands, blanks and all.
-    categoryChoices(2);
-    EXPECT_EQ(m_grid->GetCellValue(2, 2), QStringLiteral("  Outputs "));
 }
 
 TEST_F(BlocksGridTest, TheCategoryTakesTypedTextAndChosenLinesAndAnOpenEditorCountsAsTheValue) {
@@ -119,7 +95,8 @@ TEST_F(BlocksGridTest, TheCategoryTakesTypedTextAndChosenLinesAndAnOpenEditorCou
     EXPECT_EQ(m_table.Value(2, 2), QStringLiteral("relays"));
 
     // Row 3's choices: its own "Other", then "Relays".
-    categoryChoices(3);
+    ClickCell(*m_grid, 3, 2);
+    QTest::keyClick(m_grid, Qt::Key_F2);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     QCoreApplication::processEvents();

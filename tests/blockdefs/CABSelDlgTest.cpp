@@ -112,7 +112,8 @@ TEST_F(CABSelDlgTest, OkAnswersTheCatalogOfTheChosenRowOrTheTreeAndTheNextDialog
     EXPECT_TRUE(m_messages.shown.empty());
     CABSelDlg next;  // opens at the catalog last chosen
     run(next, [](CABSelDlg& d) {
-        EXPECT_EQ(d.Tree().currentItem()->text(0), QStringLiteral("NV-1408"));
+        const QTreeWidgetItem* current = d.Tree().currentItem();
+        EXPECT_EQ(current ? current->text(0) : QString(), QStringLiteral("NV-1408"));
         EXPECT_EQ(Listed(d.List()), QStringList({"NV-1408"}));
         EXPECT_TRUE(Ok(d)->isEnabled());
         return int(kIdCancel);

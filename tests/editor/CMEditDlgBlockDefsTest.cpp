@@ -65,6 +65,10 @@ protected:
         ASSERT_TRUE(button->isEnabled());
         QTest::mouseClick(button, Qt::LeftButton);
     }
+    QString selected() {
+        const QTreeWidgetItem* item = tree().SelectedItem();
+        return item ? item->text(0) : QString();
+    }
     QStringList terminalChoices() {
         return m_dialog->TermGrid().Model()->Choices(CTermGridWnd::ColumnTerminal);
     }
@@ -107,10 +111,10 @@ TEST_F(CMEditDlgBlockDefsTest, ABlockAddedFromAModuleReachesTheTerminalGridAndPl
     EXPECT_EQ(script.seen, (QStringList{"CTermBlockDefsDlg", "CABSelDlg"}));
 
     // The unsaved module was asked about, and no module stays over the new list.
-    ASSERT_EQ(m_messages.shown.size(), 1u) << qPrintable(m_messages.shown.back().text);
+    ASSERT_EQ(m_messages.shown.size(), 1u);
     EXPECT_EQ(m_messages.shown[0].number, 4012);
     EXPECT_FALSE(m_dialog->IsModuleLoaded());
-    EXPECT_EQ(tree().SelectedItem()->text(0), QStringLiteral("Digital Input"));
+    EXPECT_EQ(selected(), QStringLiteral("Digital Input"));
     EXPECT_EQ(terminalChoices().size(), 13);
     EXPECT_EQ(terminalChoices().value(12), QStringLiteral("Cable shield"));
 
@@ -147,5 +151,5 @@ TEST_F(CMEditDlgBlockDefsTest, OkWithNoChangeKeepsTheLoadedModule) {
     clickBlockDefs();
     EXPECT_TRUE(script.done());
     EXPECT_TRUE(m_dialog->IsModuleLoaded());
-    EXPECT_EQ(tree().SelectedItem()->text(0), QStringLiteral("NV-1108"));
+    EXPECT_EQ(selected(), QStringLiteral("NV-1108"));
 }
