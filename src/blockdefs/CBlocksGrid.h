@@ -52,6 +52,9 @@ public:
     // Stores what the open editor holds, so that the table's rules see what the user
     // typed.
     void CommitEditor();
+    // Adds the free row below the last: a single blank in the category, which every
+    // reader trims away.
+    void AppendFreeRow();
 
     // Sorts the rows by a column's text, ignoring case, rows without one last; as a
     // double click on the column's header does. Undo steps are dropped.
@@ -84,9 +87,6 @@ private:
     void RowCommand(int command);
     void InsertRowBelowContext();
     void RemoveContextRow();
-    // Adds the free row below the last: a single blank in the category, which every
-    // reader trims away.
-    void AppendFreeRow();
     // Closes the editor of the current cell without storing what it holds.
     void DiscardEditor();
 

@@ -13,14 +13,12 @@
 #include "StylePicture.h"
 #include "ZelUtils.h"
 
-#include <QApplication>
 #include <QButtonGroup>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
@@ -145,23 +143,16 @@ void CTermBlockDefsDlg::showEvent(QShowEvent* event) {
     }
 }
 
-void CTermBlockDefsDlg::keyPressEvent(QKeyEvent* event) {
-    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    QWidget* focus = QApplication::focusWidget();
-    if (enter && focus && (focus == m_grid || m_grid->isAncestorOf(focus))) {
-        // The editor's delegate stores the text on its own; OK is the user's choice.
-        event->accept();
-        return;
-    }
-    HelpDialog::keyPressEvent(event);
-}
-
 bool CTermBlockDefsDlg::OnInitDialog() {
     m_bInited = true;
     m_btnBrowse->setEnabled(false);
     // A list that can't be read leaves the grid empty; the user may build a new one.
     m_table.Read();
     m_grid->Initialize();
+    if (m_table.RowCount() == 0) {
+        // Without a row there is no cell to type the first block into.
+        m_grid->AppendFreeRow();
+    }
     m_grid->SetCurrentCell(1, BlockDefsTable::ColumnBlockFile);
 
     const QString first = m_table.Value(1, BlockDefsTable::ColumnBlockFile);

@@ -66,8 +66,6 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
-    // Return in the grid ends the cell's edit there; it does not press OK.
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void BuildControls();

@@ -117,6 +117,17 @@ TEST_F(BlockDefsDialog, StartsAtTheFirstBlocksStyleAndItsButtonsRenameTheBlocksA
     EXPECT_EQ(cell(2, 1), QStringLiteral("VP5NEW"));
 }
 
+TEST_F(BlockDefsDialog, AnEmptyListStartsWithAFreeRowForTheFirstBlock) {
+    // Regression: a list without blocks gave no cell to type the first block into.
+    open("* only a comment\n");
+    TypeIntoCell(grid(), 1, 1, QStringLiteral("HP1DI"));
+    TypeIntoCell(grid(), 1, 2, QStringLiteral("Digital"));
+    TypeIntoCell(grid(), 1, 3, QStringLiteral("Input"));
+    click(Dlg::kIdOk);
+    EXPECT_FALSE(m_dialog->isVisible());
+    EXPECT_EQ(Lines(bsf()), QStringList{QStringLiteral(":HP1DI;Digital;Input;")});
+}
+
 TEST_F(BlockDefsDialog, BrowseInTheBlockAndSampleColumnsWritesTheFileChosen) {
     open(":HP2RELAY;Relay;Contact;vp2x\n");
     const QString chosen = QDir::toNativeSeparators(m_dir.filePath(QStringLiteral("NEW.SHT")));

@@ -82,10 +82,18 @@ QWidget* ChoiceDelegate::createEditor(QWidget* parent, const QStyleOptionViewIte
         combo->setCompleter(nullptr);
         combo->addItems(Grid(index)->CellChoices(index.row() + 1, index.column() + 1));
         auto* self = const_cast<ChoiceDelegate*>(this);
-        connect(combo, &QComboBox::activated, self, [self, combo] {
-            emit self->commitData(combo);
-            emit self->closeEditor(combo);
-        });
+        // Return on a text that is one of the choices activates it as well, after the
+        // key has already stored and closed the editor; so the store waits, and only an
+        // editor still open is stored.
+        connect(
+            combo, &QComboBox::activated, self,
+            [self, combo = QPointer<QComboBox>(combo)] {
+                if (combo && self->m_editor == combo.data()) {
+                    emit self->commitData(combo);
+                    emit self->closeEditor(combo);
+                }
+            },
+            Qt::QueuedConnection);
         editor = combo;
     } else {
         editor = QStyledItemDelegate::createEditor(parent, option, index);

@@ -10,6 +10,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
@@ -264,36 +265,36 @@ void GridCore::SetCornerText(const QString& text) {
     }
 }
 
-bool GridCore::ClipboardRange(int& top, int& left, int& bottom, int& right) const {
+bool GridCore::ClipboardRange(CellRange& range) const {
+    if (!m_model) {
+        return false;
+    }
     const QModelIndexList selected = selectionModel()->selectedIndexes();
     if (selected.isEmpty()) {
-        top = bottom = CurrentRow();
-        left = right = CurrentCol();
-        return top >= 1 && left >= 1;
+        range.top = range.bottom = CurrentRow();
+        range.left = range.right = CurrentCol();
+        return range.top >= 1 && range.left >= 1;
     }
-    top = left = INT_MAX;
-    bottom = right = 0;
+    range.top = range.left = INT_MAX;
+    range.bottom = range.right = 0;
     for (const QModelIndex& index : selected) {
-        top = qMin(top, index.row() + 1);
-        bottom = qMax(bottom, index.row() + 1);
-        left = qMin(left, index.column() + 1);
-        right = qMax(right, index.column() + 1);
+        range.top = qMin(range.top, index.row() + 1);
+        range.bottom = qMax(range.bottom, index.row() + 1);
+        range.left = qMin(range.left, index.column() + 1);
+        range.right = qMax(range.right, index.column() + 1);
     }
     return true;
 }
 
 QString GridCore::SelectionText() const {
-    int top = 0;
-    int left = 0;
-    int bottom = 0;
-    int right = 0;
-    if (!m_model || !ClipboardRange(top, left, bottom, right)) {
+    CellRange range;
+    if (!ClipboardRange(range)) {
         return {};
     }
     QStringList lines;
-    for (int row = top; row <= bottom; ++row) {
+    for (int row = range.top; row <= range.bottom; ++row) {
         QStringList cells;
-        for (int col = left; col <= right; ++col) {
+        for (int col = range.left; col <= range.right; ++col) {
             cells.append(CellText(row, col));
         }
         lines.append(cells.join(QLatin1Char('\t')));
@@ -302,39 +303,21 @@ QString GridCore::SelectionText() const {
 }
 
 void GridCore::CopySelection() {
-    int top = 0;
-    int left = 0;
-    int bottom = 0;
-    int right = 0;
-    if (!m_model || !ClipboardRange(top, left, bottom, right)) {
-        return;
+    CellRange range;
+    if (ClipboardRange(range)) {
+        QGuiApplication::clipboard()->setText(SelectionText());
     }
-    QGuiApplication::clipboard()->setText(SelectionText());
 }
 
 void GridCore::CutSelection() {
-    int top = 0;
-    int left = 0;
-    int bottom = 0;
-    int right = 0;
-    if (!m_model || !ClipboardRange(top, left, bottom, right)) {
+    CellRange range;
+    if (!ClipboardRange(range)) {
         return;
     }
     QGuiApplication::clipboard()->setText(SelectionText());
-    if (m_bUndoEnabled) {
-        m_undo.beginMacro(QStringLiteral("Cut"));
-    }
-    for (int row = top; row <= bottom; ++row) {
-        for (int col = left; col <= right; ++col) {
-            if (CanWrite(row, col) && !m_model->IsReadOnly(row, col) &&
-                !m_model->CellValue(row, col).isEmpty()) {
-                OnEditCell(row, col, QString());
-            }
-        }
-    }
-    if (m_bUndoEnabled) {
-        m_undo.endMacro();
-    }
+    const QStringList emptyRow(range.right - range.left + 1);
+    WriteCells(range.top, range.left, QList<QStringList>(range.bottom - range.top + 1, emptyRow),
+               QStringLiteral("Cut"));
 }
 
 bool GridCore::CanPaste(int row, int col) const {
@@ -360,17 +343,19 @@ QList<QStringList> GridCore::SplitCellText(const QString& text) {
 }
 
 bool GridCore::PasteClipboard() {
-    int top = 0;
-    int left = 0;
-    int bottom = 0;
-    int right = 0;
-    if (!m_model || !ClipboardRange(top, left, bottom, right) || !CanPaste(top, left)) {
+    CellRange range;
+    if (!ClipboardRange(range) || !CanPaste(range.top, range.left)) {
         return false;
     }
-    const QList<QStringList> rows = SplitCellText(QGuiApplication::clipboard()->text());
+    return WriteCells(range.top, range.left, SplitCellText(QGuiApplication::clipboard()->text()),
+                      QStringLiteral("Paste"));
+}
+
+bool GridCore::WriteCells(int top, int left, const QList<QStringList>& rows,
+                          const QString& stepName) {
     bool written = false;
     if (m_bUndoEnabled) {
-        m_undo.beginMacro(QStringLiteral("Paste"));
+        m_undo.beginMacro(stepName);
     }
     for (int r = 0; r < rows.size() && top + r <= m_model->RowCount(); ++r) {
         const QStringList& cells = rows[r];
@@ -418,6 +403,13 @@ void GridCore::currentChanged(const QModelIndex& current, const QModelIndex& pre
         return index.isValid() ? index.column() + 1 : -1;
     };
     OnLeftCell(rowOf(previous), colOf(previous), rowOf(current), colOf(current));
+}
+
+void GridCore::keyPressEvent(QKeyEvent* event) {
+    QTableView::keyPressEvent(event);
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        event->accept();
+    }
 }
 
 void GridCore::mousePressEvent(QMouseEvent* event) {

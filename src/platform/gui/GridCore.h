@@ -108,12 +108,24 @@ protected:
 
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void mousePressEvent(QMouseEvent* event) override;
+    // Return ends a cell's edit and stays in the grid: it never reaches the dialog, whose
+    // default button would close it over a half-typed row.
+    void keyPressEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    struct CellRange {
+        int top = 0;
+        int left = 0;
+        int bottom = 0;
+        int right = 0;
+    };
     // The range the clipboard commands act on, rows and columns from 1; false when the
     // grid has neither a selection nor a current cell.
-    bool ClipboardRange(int& top, int& left, int& bottom, int& right) const;
+    bool ClipboardRange(CellRange& range) const;
+    // Writes rows of cell texts from top, left on as the user's edits, one undo step;
+    // read-only cells, unchanged cells and what lies past the grid are left out.
+    bool WriteCells(int top, int left, const QList<QStringList>& rows, const QString& stepName);
     void ApplyColWidths();
     void PaintCorner(QWidget* corner);
 
