@@ -16,7 +16,6 @@
 #include <QButtonGroup>
 #include <QDialogButtonBox>
 #include <QDir>
-#include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -68,26 +67,14 @@ void CTermBlockDefsDlg::BuildControls() {
     QPushButton* addFromModule = MakeButton(this, tr("Add From Module..."), kIdAddFromModule);
 
     m_styles = new QButtonGroup(this);
-    auto* styleBox = new QGroupBox(tr("Style"), this);
-    auto* styleGrid = new QGridLayout(styleBox);
-    for (int style = 1; style <= kStyleCount; ++style) {
-        auto* radio = new QRadioButton(QString::number(style), styleBox);
-        SetControlId(radio, kIdStyleFirst + style - 1);
-        m_styles->addButton(radio, style - 1);
-        styleGrid->addWidget(radio, (style - 1) / 3, (style - 1) % 3);
-    }
+    QGroupBox* styleBox = StylePicture::MakeStyleButtons(this, m_styles, kIdStyleFirst);
     auto* orientationBox = new QGroupBox(tr("Orientation"), this);
     auto* orientationRow = new QHBoxLayout(orientationBox);
-    m_radHorizontal = new QRadioButton(tr("Horizontal"), orientationBox);
-    SetControlId(m_radHorizontal, kIdHorizontal);
-    m_radVertical = new QRadioButton(tr("Vertical"), orientationBox);
-    SetControlId(m_radVertical, kIdVertical);
+    m_radHorizontal = MakeRadio(orientationBox, tr("Horizontal"), kIdHorizontal);
+    m_radVertical = MakeRadio(orientationBox, tr("Vertical"), kIdVertical);
     orientationRow->addWidget(m_radHorizontal);
     orientationRow->addWidget(m_radVertical);
-    m_stcPicture = new QLabel(this);
-    SetControlId(m_stcPicture, kIdPicture);
-    m_stcPicture->setFixedSize(ScaledX(StylePicture::kWidth), ScaledY(StylePicture::kHeight));
-    m_stcPicture->setFrameShape(QFrame::StyledPanel);
+    m_stcPicture = StylePicture::MakePictureControl(this, kIdPicture);
 
     auto* buttons = new QDialogButtonBox(
         QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::Help, this);

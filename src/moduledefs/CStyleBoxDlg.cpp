@@ -31,14 +31,6 @@ constexpr std::array<int, BoxTextOrder::kFieldCount> kValueIds = {1015, 1017, 10
 constexpr std::array<int, BoxTextOrder::kFieldCount> kUnitIds = {1016, 1018, 1021,
                                                                  1023, 1027, 1031};
 
-QRadioButton* MakeRadio(QWidget* parent, const QString& text, int id, QButtonGroup* group,
-                        int index) {
-    auto* radio = new QRadioButton(text, parent);
-    SetControlId(radio, id);
-    group->addButton(radio, index);
-    return radio;
-}
-
 }  // namespace
 
 CStyleBoxDlg::CStyleBoxDlg(QWidget* parent)
@@ -52,18 +44,8 @@ void CStyleBoxDlg::BuildControls() {
     setWindowTitle(tr("Style Box Bounds"));
     m_styles = new QButtonGroup(this);
     m_groups = new QButtonGroup(this);
-    m_stcPicture = new QLabel(this);
-    SetControlId(m_stcPicture, kIdPicture);
-    m_stcPicture->setFixedSize(ScaledX(StylePicture::kWidth), ScaledY(StylePicture::kHeight));
-    m_stcPicture->setFrameShape(QFrame::StyledPanel);
-
-    auto* styleBox = new QGroupBox(tr("Style"), this);
-    auto* styleGrid = new QGridLayout(styleBox);
-    for (int style = 1; style <= StyleBoxTable::kStyleCount; ++style) {
-        QRadioButton* radio = MakeRadio(styleBox, QString::number(style), kIdStyleFirst + style - 1,
-                                        m_styles, style - 1);
-        styleGrid->addWidget(radio, (style - 1) / 3, (style - 1) % 3);
-    }
+    m_stcPicture = StylePicture::MakePictureControl(this, kIdPicture);
+    QGroupBox* styleBox = StylePicture::MakeStyleButtons(this, m_styles, kIdStyleFirst);
     auto* groupBox = new QGroupBox(tr("Dimension group"), this);
     auto* groupRow = new QHBoxLayout(groupBox);
     groupRow->addWidget(MakeRadio(groupBox, tr("Group A"), kIdGroupA, m_groups, 0));

@@ -2,7 +2,9 @@
 
 #include "HostServices.h"
 
+#include <QButtonGroup>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QVariant>
 #include <QtMath>
 
@@ -33,6 +35,16 @@ QPushButton* MakeButton(QWidget* parent, const QString& text, int id) {
     SetControlId(button, id);
     button->setAutoDefault(false);
     return button;
+}
+
+QRadioButton* MakeRadio(QWidget* parent, const QString& text, int id, QButtonGroup* group,
+                        int index) {
+    auto* radio = new QRadioButton(text, parent);
+    SetControlId(radio, id);
+    if (group) {
+        group->addButton(radio, index);
+    }
+    return radio;
 }
 
 int ScaledX(int size) {

@@ -3,7 +3,9 @@
 #include <QString>
 #include <QWidget>
 
+class QButtonGroup;
 class QPushButton;
+class QRadioButton;
 
 // Dialogs name their controls by number, as their descriptions do: a control carries
 // its number as the property "controlId" and as the object name "ctl_<number>".
@@ -22,6 +24,10 @@ T* FindControl(QWidget* dialog, int id) {
 // A push button with its number that never becomes the default button, so that Return
 // stays with the dialog's own handling.
 QPushButton* MakeButton(QWidget* parent, const QString& text, int id);
+
+// A radio button with its number; with a group it joins it under index.
+QRadioButton* MakeRadio(QWidget* parent, const QString& text, int id, QButtonGroup* group = nullptr,
+                        int index = -1);
 
 // A size given at scale 1, multiplied by the monitor's scale of its direction.
 int ScaledX(int size);
