@@ -38,8 +38,7 @@ protected:
     }
     // A context menu may have left no window active; keys need one.
     void activate() {
-        m_window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+        ASSERT_TRUE(Activate(*m_window));
         m_grid->setFocus();
     }
     void pressKey(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {

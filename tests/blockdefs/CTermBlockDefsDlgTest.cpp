@@ -71,9 +71,7 @@ protected:
         m_dialog = std::make_unique<Dlg>();
         m_dialog->SetDirectory(folder());
         m_dialog->resize(900, 500);
-        m_dialog->show();
-        m_dialog->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
+        ASSERT_TRUE(ShowActive(*m_dialog));
     }
     template <class T = QPushButton>
     T* control(int id) {

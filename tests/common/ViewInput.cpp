@@ -56,3 +56,13 @@ void DoubleClickItem(QListWidget& list, int row) {
     QTest::mouseDClick(list.viewport(), Qt::LeftButton, {},
                        list.visualItemRect(list.item(row)).center());
 }
+
+bool Activate(QWidget& window) {
+    window.activateWindow();
+    return QTest::qWaitForWindowActive(&window);
+}
+
+bool ShowActive(QWidget& window) {
+    window.show();
+    return Activate(window);
+}

@@ -21,3 +21,8 @@ void ChooseCellMenuEntry(QWidget& window, QAbstractItemView& view, int row, int 
 // Clicks or double-clicks a list's item by its row (from 0).
 void ClickItem(QListWidget& list, int row);
 void DoubleClickItem(QListWidget& list, int row);
+// Makes the window the active one and waits until it is: focus moves, and keys reach
+// shortcuts, only in an active window. False when it did not become active.
+bool Activate(QWidget& window);
+// Shows the window, then Activate.
+bool ShowActive(QWidget& window);

@@ -44,9 +44,7 @@ protected:
         m_dialog = std::make_unique<CMEditDlg>();
         m_dialog->SetDbPath(databasePath());
         m_dialog->resize(900, 600);
-        m_dialog->show();
-        m_dialog->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
+        ASSERT_TRUE(ShowActive(*m_dialog));
     }
     void TearDown() override {
         m_dialog.reset();

@@ -42,10 +42,7 @@ protected:
         m_dialog = std::make_unique<CMEditDlg>();
         m_dialog->SetDbPath(databasePath());
         m_dialog->resize(900, 600);
-        m_dialog->show();
-        // Focus moves only in an active window, and a label edit ends with its focus.
-        m_dialog->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
+        ASSERT_TRUE(ShowActive(*m_dialog));
     }
     void TearDown() override {
         m_dialog.reset();
@@ -408,8 +405,7 @@ TEST_F(CMEditDlgTest, ABlockPickedAnEditUndoneAndSaveChangeExactlyThatRowOfTheEx
     EXPECT_EQ(m_dialog->GetCurrentModule()->GetTermText(3), QStringLiteral("HP?DO"));
 
     // An attribute value typed and taken back with Ctrl+Z, once the editor is active again.
-    m_dialog->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
+    ASSERT_TRUE(Activate(*m_dialog));
     CAttribGridWnd& attributes = m_dialog->AttribGrid();
     const int term = terminalColumn();
     TypeIntoCell(attributes, 1, term, QStringLiteral("99"));

@@ -5,6 +5,7 @@
 #include "GuiHostUi.h"
 #include "LispText.h"
 #include "ModalRunner.h"
+#include "ViewInput.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -294,8 +295,7 @@ TEST_F(CMSelDlgTest, TabWalksTheControlsInScreenOrderBothWays) {
     QueuedModalScript script;
     script.push([](QDialog& d) {
         auto& selection = static_cast<CMSelDlg&>(d);
-        d.activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&d));
+        EXPECT_TRUE(Activate(d));
         selection.Tree().SelectModule(kKestrel, "KX", "Analog Output", "KX-AO2");
         selection.Tree().setFocus();
         // The bottom row as this platform lays it out: OK, Cancel, Help.

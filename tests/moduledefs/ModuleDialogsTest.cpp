@@ -67,9 +67,7 @@ protected:
         m_new->SetManufacturer(names.value(0));
         m_new->SetSeries(names.value(1));
         m_new->SetType(names.value(2));
-        m_new->show();
-        m_new->activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(m_new.get()));
+        EXPECT_TRUE(ShowActive(*m_new));
         return *m_new;
     }
     void type(QWidget* dialog, int id, const QString& text) {

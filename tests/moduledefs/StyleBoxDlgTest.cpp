@@ -6,6 +6,7 @@
 #include "ModalRunner.h"
 #include "PlcdbProcess.h"
 #include "RealLisp.h"
+#include "ViewInput.h"
 
 #include <QApplication>
 #include <QFile>
@@ -68,9 +69,7 @@ protected:
     CStyleBoxDlg& open() {
         m_dialog = std::make_unique<CStyleBoxDlg>();
         m_dialog->SetDbPath(databasePath());
-        m_dialog->show();
-        m_dialog->activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(m_dialog.get()));
+        EXPECT_TRUE(ShowActive(*m_dialog));
         return *m_dialog;
     }
     // A style row of the store, read or written through a connection of its own.

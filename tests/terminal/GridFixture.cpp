@@ -63,16 +63,13 @@ void GridFixture::makeGrids() {
                          m_attrib->OnTermRowChange(blockIndex, &change);
                      });
     m_window->resize(800, 600);
-    m_window->show();
-    m_window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+    ASSERT_TRUE(ShowActive(*m_window));
     m_term->setFocus();
 }
 
 void GridFixture::pressKey(GridCore& grid, int key, Qt::KeyboardModifiers modifiers) {
     // A context menu may have left no window active; shortcuts need one.
-    m_window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+    ASSERT_TRUE(Activate(*m_window));
     grid.setFocus();
     QTest::keyClick(&grid, Qt::Key(key), modifiers);
 }
