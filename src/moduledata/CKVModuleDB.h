@@ -85,6 +85,8 @@ public:
     bool GetTypeTableName(const QString& manufacturer, const QString& series, const QString& type,
                           QString& table);
     bool GetCatalogs(const QString& table, QList<_idandcatalognum>& catalogs);
+    // The modules that a search fragment finds, as ZelPlcDbIO::FindModules.
+    bool FindModules(const QString& fragment, int limit, QList<ModDB::ModuleMatch>& matches);
     bool AddIndex(const QString& manufacturer, const QString& series, const QString& type);
     bool RenameIndex(const QString& manufacturer, const QString& series, const QString& type,
                      const QString& newName);

@@ -130,6 +130,13 @@ bool CKVModuleDB::GetCatalogs(const QString& table, QList<_idandcatalognum>& cat
     return true;
 }
 
+bool CKVModuleDB::FindModules(const QString& fragment, int limit,
+                              QList<ModDB::ModuleMatch>& matches) {
+    matches.clear();
+    ZelPlcDbIO* store = Store();
+    return store != nullptr && store->FindModules(fragment, limit, matches);
+}
+
 bool CKVModuleDB::AddIndex(const QString& manufacturer, const QString& series,
                            const QString& type) {
     ZelPlcDbIO* store = Store();

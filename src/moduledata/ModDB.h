@@ -66,4 +66,14 @@ struct PromptData {
     QString Localized;
 };
 
+// One module found by a search: where it sits in the index, and its own texts.
+struct ModuleMatch {
+    QString Manufacturer;
+    QString Series;
+    QString Type;
+    QString TableName;
+    QString Catalog;
+    QString Description;
+};
+
 }  // namespace ModDB

@@ -76,6 +76,12 @@ public:
     bool RemoveModTermData(const QString& table, const QString& code, int firstRow, int lastRow);
     bool RenameModTermData(const QString& table, const QString& oldCode, const QString& newCode);
 
+    // Modules whose catalog, description or one of the three column texts holds
+    // fragment, case ignored (Unicode case folding), in the order of manufacturer,
+    // series, type and catalog; at most limit of them. Modules without a type row in the
+    // index are not found. An empty fragment finds nothing.
+    bool FindModules(const QString& fragment, int limit, QList<ModDB::ModuleMatch>& matches);
+
     // Style boxes 1 to 9 and the prompt table.
     bool GetStyleBoxData(int number, ModDB::StyleBoxData& record);
     bool UpdateStyleBoxData(int number, const ModDB::StyleBoxData& record);
@@ -120,6 +126,8 @@ private:
     bool FindIndexRows(const IndexLevel& level, bool& exists);
     bool IndexNameTaken(const IndexLevel& level, const QString& newName, bool& taken);
     bool InsertIndexRow(SqliteDb& db, const IndexLevel& level);
+    bool ScanModules(SqliteDb& db, const QString& fragment, int limit,
+                     QList<ModDB::ModuleMatch>& matches);
 
     std::unique_ptr<SqliteDb> m_db;
     QString m_connection;
