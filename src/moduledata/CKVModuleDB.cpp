@@ -145,7 +145,7 @@ QString CKVModuleDB::GetLastFailure() const {
     return store->m_strLastError;
 }
 
-bool CKVModuleDB::Open(const QString& path) {
+bool CKVModuleDB::Open(const QString& path, bool bReadOnly) {
     if (m_bOpen) {
         m_nError = kErrAlreadyOpen;
         return false;
@@ -176,12 +176,13 @@ bool CKVModuleDB::Open(const QString& path) {
         return connected;
     };
     m_strFailure.clear();
-    if (!connect(kModeShared)) {
+    if (bReadOnly || !connect(kModeShared)) {
         // Stays set after a restricted open: it marks the connection as read-only.
         m_nError = kErrReadOnly;
         // Another program's lock stops a reader as well: the wait is not repeated.
         const QString refusal = m_strFailure;
-        if (store->LastFailureWasLock() || (!connect(kModeRead) && !connect(kModeExclusive))) {
+        if ((!bReadOnly && store->LastFailureWasLock()) ||
+            (!connect(kModeRead) && !connect(kModeExclusive))) {
             m_nError = kErrCannotOpen;
             return false;
         }

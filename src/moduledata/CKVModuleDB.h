@@ -55,7 +55,9 @@ public:
     CKVModuleDB(const CKVModuleDB&) = delete;
     CKVModuleDB& operator=(const CKVModuleDB&) = delete;
 
-    bool Open(const QString& path);
+    // With bReadOnly the file is only ever read: no connection that could write it is
+    // tried, and the code is 26 after a successful open, as after a restricted one.
+    bool Open(const QString& path, bool bReadOnly = false);
     bool Close();
     bool IsOpen() const { return m_bOpen; }
     int GetLastError() const { return m_nError; }

@@ -68,6 +68,8 @@ public:
                            const ModDB::ModSpecData& record, bool bFallback);
     bool RemoveModSpecData(const QString& table, const QString& code);
     bool RenameModSpecData(const QString& table, const QString& oldCode, const QString& newCode);
+    // Every table that holds a module, named by a type row of the index or not, in order.
+    bool GetModuleTableNames(QStringList& tables);
 
     // Terminal rows; table is the type's table name with "_Data" behind it.
     bool GetModTermData(const QString& table, const QString& code, QList<ModDB::ModTermData>& rows);
@@ -85,6 +87,8 @@ public:
     // Style boxes 1 to 9 and the prompt table.
     bool GetStyleBoxData(int number, ModDB::StyleBoxData& record);
     bool UpdateStyleBoxData(int number, const ModDB::StyleBoxData& record);
+    // The numbers of the style rows the file holds, in order.
+    bool GetStyleBoxNumbers(QList<int>& numbers);
     bool CreateHashtableofPrompts();
     // Virtual so that tests can stand in a prompt table of their own.
     virtual QString ReturnLocalizedPrompt(const QString& prompt);

@@ -107,6 +107,24 @@ bool ZelPlcDbIO::GetArrayOfModSpecCodes(const QString& table, QStringList& codes
     return true;
 }
 
+bool ZelPlcDbIO::GetModuleTableNames(QStringList& tables) {
+    tables.clear();
+    SqliteDb* db = Connection();
+    if (!db) {
+        return false;
+    }
+    SqliteStatement statement =
+        db->prepare(QStringLiteral("SELECT DISTINCT table_name FROM plc_spec ORDER BY table_name"));
+    while (statement.next()) {
+        tables.append(statement.text(0));
+    }
+    if (statement.failed()) {
+        tables.clear();
+        return FailDb();
+    }
+    return true;
+}
+
 bool ZelPlcDbIO::GetModSpecData(const QString& table, const QString& code,
                                 ModDB::ModSpecData& record, bool bFallback) {
     Q_UNUSED(bFallback);
@@ -339,6 +357,24 @@ bool ZelPlcDbIO::GetStyleBoxData(int number, ModDB::StyleBoxData& record) {
     record.Number = number;
     for (int box = 0; box < StyleBoxData::kBoxCount; ++box) {
         record.Box[box] = statement.text(box);
+    }
+    return true;
+}
+
+bool ZelPlcDbIO::GetStyleBoxNumbers(QList<int>& numbers) {
+    numbers.clear();
+    SqliteDb* db = Connection();
+    if (!db) {
+        return false;
+    }
+    SqliteStatement statement =
+        db->prepare(QStringLiteral("SELECT number FROM plc_style ORDER BY number"));
+    while (statement.next()) {
+        numbers.append(statement.toInt(0));
+    }
+    if (statement.failed()) {
+        numbers.clear();
+        return FailDb();
     }
     return true;
 }
