@@ -263,8 +263,9 @@ bool CatalogCheck::CheckStyles() {
     }
     if (!missing.isEmpty()) {
         Add(Severity::Error, QStringLiteral("missing-style-rows"), Place{}, 0,
-            QStringLiteral("The database lacks the style rows %1 of nine, on which a selection "
-                           "falls back where a module leaves a box value unset.")
+            QStringLiteral("The database has no style row for style %1; it needs all nine, "
+                           "on which a selection falls back where a module leaves a box value "
+                           "unset.")
                 .arg(missing.join(QStringLiteral(", "))));
     }
     return true;

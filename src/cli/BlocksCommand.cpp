@@ -360,13 +360,7 @@ int RunBlocks(const CliOptions& options, const BlocksOptions& blocks) {
     if (!started) {
         return Fail(error, kFailed);
     }
-    for (const char* name : {"kv_fio_does_file_exist", "kv_fio_does_file_exist_error",
-                             "kv_fio_does_block_exist_disk", "zel_get_var"}) {
-        DeclareLispFunction(QString::fromLatin1(name));
-    }
-    QString folder = blocks.folder.isEmpty()
-                         ? BlockSettingsFolder::Find(false)
-                         : QDir::toNativeSeparators(CliOptions::FullPath(blocks.folder));
+    const QString folder = FindBlocksFolder(blocks.folder);
     if (folder.isEmpty()) {
         return Fail(QStringLiteral("no %1 in the folder of GBL_kv_DocSetBase or on the support "
                                    "path; give its folder with --dir FOLDER")
@@ -404,6 +398,15 @@ int RunBlocks(const CliOptions& options, const BlocksOptions& blocks) {
 }
 
 }  // namespace
+
+QString FindBlocksFolder(const QString& folder) {
+    for (const char* name : {"kv_fio_does_file_exist", "kv_fio_does_file_exist_error",
+                             "kv_fio_does_block_exist_disk", "zel_get_var"}) {
+        DeclareLispFunction(QString::fromLatin1(name));
+    }
+    return folder.isEmpty() ? BlockSettingsFolder::Find(false)
+                            : QDir::toNativeSeparators(CliOptions::FullPath(folder));
+}
 
 int RunBlocksCommand(const CliOptions& options) {
     BlocksOptions blocks;

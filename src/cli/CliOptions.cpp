@@ -97,6 +97,8 @@ QString CliOptions::MainHelp() {
                "                 block's drawing, find a block in it, or change it: add,\n"
                "                 remove, set-style, set-orientation, merge\n"
                "  edit           open the database editor\n"
+               "  check          report what is amiss in the database, such as rows whose\n"
+               "                 block is not in the terminal block list\n"
                "\n"
                "Run 'plcdb COMMAND --help' for the details of a command.\n"
                "\n") +
@@ -216,6 +218,30 @@ QString CliOptions::CommandHelp(const QString& command) {
              "\n"
              "Exit status: 0 when the editor ran, 1 when the database or the plug-in\n"
              "cannot be found, 2 without a display or with an unknown argument.\n")},
+        {QStringLiteral("check"),
+         QStringLiteral(
+             "Usage: plcdb [--db FILE] check [--blocks FOLDER] [--json]\n"
+             "\n"
+             "Reads the whole database, without writing it, and the terminal block list\n"
+             "(kvmbblks.bsf in FOLDER, else where plcdb blocks finds it; without one the\n"
+             "block names are not checked), and prints each finding as a line\n"
+             "  SEVERITY CODE MANUFACTURER / SERIES / TYPE / CATALOG / row N: SENTENCE\n"
+             "with the parts that apply, then a summary line. Errors: unknown-block,\n"
+             "missing-prompt, both-show-flags, both-address-flags, extra-count-not-number,\n"
+             "box-not-number, missing-style-rows, needs-migration, module-without-index.\n"
+             "Warnings: empty-type, empty-description.\n"
+             "\n"
+             "  --blocks FOLDER the folder of kvmbblks.bsf\n"
+             "  --json          one JSON document instead:\n"
+             "  {\"database\":\"PATH\",\"blockList\":\"PATH\" or "
+             "null,\"errors\":N,\"warnings\":N,\n"
+             "   \"findings\":[{\"severity\":\"error\",\"code\":\"unknown-block\",\n"
+             "     \"manufacturer\":\"M\",\"series\":\"S\",\"type\":\"T\",\"catalog\":\"C\",\n"
+             "     \"row\":3,\"message\":\"...\"}]}\n"
+             "  with null for the parts of the place that do not apply.\n"
+             "\n"
+             "Exit status: 0 when nothing is an error, 1 when something is, 2 when the\n"
+             "database or the block list cannot be read, or for a wrong call.\n")},
         {QStringLiteral("init"),
          QStringLiteral("Usage: plcdb init FILE\n"
                         "\n"

@@ -15,10 +15,26 @@ DatabaseSession::~DatabaseSession() {
 }
 
 bool DatabaseSession::open(const CliOptions& options, QString* error, bool bWithHost) {
-    QString path = options.database;
-    if ((path.isEmpty() || bWithHost) && !m_host.startHost(options, error)) {
+    QString path;
+    if ((options.database.isEmpty() || bWithHost) && !m_host.startHost(options, error)) {
         return false;
     }
+    if (!FindFile(options, path, error)) {
+        return false;
+    }
+    m_name = path;
+    if (!m_db.Open(CliOptions::FullPath(path))) {
+        const QString reason = m_db.GetLastFailure();
+        *error = QStringLiteral("cannot open the database %1%2 (code %3)")
+                     .arg(path, reason.isEmpty() ? QString() : QStringLiteral(": ") + reason)
+                     .arg(m_db.GetLastError());
+        return false;
+    }
+    return true;
+}
+
+bool DatabaseSession::FindFile(const CliOptions& options, QString& path, QString* error) {
+    path = options.database;
     if (path.isEmpty()) {
         DeclareLispFunction(QStringLiteral("kv_fio_does_file_exist"));
         DeclareLispFunction(QStringLiteral("kv_fio_does_file_exist_error"));
@@ -27,16 +43,8 @@ bool DatabaseSession::open(const CliOptions& options, QString* error, bool bWith
             return false;
         }
     }
-    m_name = path;
     if (!QFile::exists(path)) {
         *error = QStringLiteral("the database %1 does not exist").arg(path);
-        return false;
-    }
-    if (!m_db.Open(CliOptions::FullPath(path))) {
-        const QString reason = m_db.GetLastFailure();
-        *error = QStringLiteral("cannot open the database %1%2 (code %3)")
-                     .arg(path, reason.isEmpty() ? QString() : QStringLiteral(": ") + reason)
-                     .arg(m_db.GetLastError());
         return false;
     }
     return true;

@@ -19,6 +19,10 @@ public:
     // the host runs also for a given file, for callers whose numbers it formats.
     bool open(const CliOptions& options, QString* error, bool bWithHost = false);
     CKVModuleDB& db() { return m_db; }
+    // The file of --db, else "ZEL_PLC.MDB" as the running host finds it on its search
+    // path, named as the user gave it or as the host found it. False and a reason when
+    // there is none or it does not exist.
+    static bool FindFile(const CliOptions& options, QString& path, QString* error);
     bool readOnly() const { return m_db.GetLastError() == CKVModuleDB::kErrReadOnly; }
     // The store's reason for the last failure, naming the file as the user gave it.
     QString readFailure() const;

@@ -1,5 +1,6 @@
 #include "BlocksCommand.h"
 #include "CallCommand.h"
+#include "CheckCommand.h"
 #include "CliFailure.h"
 #include "CliOptions.h"
 #include "DataCommands.h"
@@ -105,6 +106,9 @@ int main(int argc, char** argv) {
     }
     if (options.command == QStringLiteral("blocks")) {
         return RunBlocksCommand(options);
+    }
+    if (options.command == QStringLiteral("check")) {
+        return RunCheckCommand(options);
     }
 
     QtMessageSink messageBoxes;
