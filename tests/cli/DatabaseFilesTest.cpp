@@ -187,6 +187,10 @@ TEST(DatabaseFiles, ReadingCommandsLeaveTheFileAndItsFolderAsTheyWere) {
         {"newer", newer, {"list"}, 0},
         {"newer", newer, {"import", "-"}, 1},
         {"foreign", foreign, {"list"}, 1},
+        {"rollback", rollback, {"check"}, 0},
+        {"protected", writeProtected, {"check"}, 0},
+        {"newer", newer, {"check"}, 0},
+        {"foreign", foreign, {"check"}, 2},
     };
     int number = 0;
     for (const ReadCase& c : cases) {
