@@ -98,7 +98,7 @@ constexpr Entry kTable[] = {
 
     // Module search above the tree: the empty field's hint, the headers of the match
     // list that the catalog list lacks, and the list's line when nothing matches.
-    {4032, u"Find a module: catalog number or description"},
+    {4032, u"Search catalog, description..."},
     {4033, u"Manufacturer"},
     {4034, u"Series"},
     {4035, u"Type"},

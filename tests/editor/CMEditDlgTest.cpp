@@ -464,4 +464,14 @@ TEST_F(CMEditDlgTest, ReturnInTheSearchLoadsTheMatchAsAClickDoesAndEscapeOnlyCle
     EXPECT_EQ(m_dialog->GetCurrentModule()->GetDescription(), QStringLiteral("sixteen inputs"));
     EXPECT_EQ(field.text(), QStringLiteral("nv-1132"));
     EXPECT_TRUE(m_dialog->Search().Matches().isVisible());
+
+    // A double click on the match goes the same way; No gives the change up.
+    QTreeWidget& matches = m_dialog->Search().Matches();
+    m_messages.answers = {kIdNo};
+    ClickCell(matches, 1, 1);
+    QTest::mouseDClick(matches.viewport(), Qt::LeftButton, {}, CellCentre(matches, 1, 1));
+    EXPECT_EQ(m_dialog->GetCurrentModule()->GetCatalog(), QStringLiteral("NV-1132"));
+    EXPECT_EQ(field.text(), QString());
+    EXPECT_EQ(storedDescription(QStringLiteral("NV-1116")),
+              QStringLiteral("16 point 24V DC sink input"));
 }
