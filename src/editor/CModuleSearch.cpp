@@ -157,16 +157,17 @@ void CModuleSearch::RevealSelection() {
 }
 
 bool CModuleSearch::OnFieldKey(int key) {
+    // An empty field leaves every key to the dialog: Return still confirms a selection
+    // made in the tree, and the cancel key still closes.
+    if (m_field->text().isEmpty()) {
+        return false;
+    }
     switch (key) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
             ChooseCurrent();
             return true;
         case Qt::Key_Escape:
-            // An empty field leaves the key to the dialog.
-            if (m_field->text().isEmpty()) {
-                return false;
-            }
             Clear();
             return true;
         case Qt::Key_Down:
