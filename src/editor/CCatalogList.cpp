@@ -110,3 +110,13 @@ QTreeWidgetItem* CCatalogList::SelectedCatalogOf(QTreeWidgetItem* typeItem) cons
     }
     return nullptr;
 }
+
+bool CCatalogList::SelectCatalog(const QString& catalog) {
+    const QList<QTreeWidgetItem*> rows = findItems(catalog, Qt::MatchFixedString, 0);
+    if (rows.isEmpty()) {
+        return false;
+    }
+    setCurrentItem(rows.first());
+    scrollToItem(rows.first());
+    return true;
+}

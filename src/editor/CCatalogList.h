@@ -24,4 +24,6 @@ public:
     // is selected or no child has that name.
     QTreeWidgetItem* SelectedCatalogOf(QTreeWidgetItem* typeItem) const;
     bool HasSelectedRow() const;
+    // Selects the row of catalog, ignoring case, as a click does; false when none has it.
+    bool SelectCatalog(const QString& catalog);
 };

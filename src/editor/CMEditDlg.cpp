@@ -4,6 +4,7 @@
 #include "CAttribGridWnd.h"
 #include "CModEditSpecsDlg.h"
 #include "CModNewDlg.h"
+#include "CModuleSearch.h"
 #include "CModuleTree.h"
 #include "CPathLabel.h"
 #include "CStyleBoxDlg.h"
@@ -47,6 +48,8 @@ void CMEditDlg::BuildControls() {
     m_tree = new CModuleTree(this);
     SetControlId(m_tree, kIdTree);
     m_tree->setMinimumWidth(ScaledX(220));
+    // A chosen match is selected in the tree as a click selects it, question included.
+    m_search = new CModuleSearch(m_tree, this);
     m_stcDbPath = new CPathLabel(this);
     SetControlId(m_stcDbPath, kIdDbPath);
     m_stcTable = new QLabel(this);
@@ -81,7 +84,7 @@ void CMEditDlg::BuildControls() {
     }
     buttons->addStretch(1);
     auto* layout = new QHBoxLayout(this);
-    layout->addWidget(m_tree);
+    layout->addWidget(m_search);
     layout->addLayout(right, 1);
     layout->addLayout(buttons);
 

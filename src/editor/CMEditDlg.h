@@ -7,6 +7,7 @@
 #include <QDialog>
 
 class CAttribGridWnd;
+class CModuleSearch;
 class CModuleTree;
 class CTermGridWnd;
 class CPathLabel;
@@ -75,6 +76,7 @@ public:
     void OnRowChange(int blockIndex, const _rowchange* change);
 
     CModuleTree& Tree() { return *m_tree; }
+    CModuleSearch& Search() { return *m_search; }
     CTermGridWnd& TermGrid() { return *m_termGrid; }
     CAttribGridWnd& AttribGrid() { return *m_attribGrid; }
     bool IsModuleLoaded() const { return m_bModuleLoaded; }
@@ -100,6 +102,7 @@ private:
     void ShowHelp();
 
     CModuleTree* m_tree;
+    CModuleSearch* m_search;
     CTermGridWnd* m_termGrid;
     CAttribGridWnd* m_attribGrid;
     QPushButton* m_btnInsert;

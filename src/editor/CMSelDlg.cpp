@@ -1,6 +1,7 @@
 #include "CMSelDlg.h"
 
 #include "CCatalogList.h"
+#include "CModuleSearch.h"
 #include "CModuleTree.h"
 #include "CPathLabel.h"
 #include "DialogControls.h"
@@ -74,6 +75,7 @@ CMSelDlg::~CMSelDlg() = default;
 void CMSelDlg::BuildControls() {
     setWindowTitle(LoadResString(5000));
     m_tree = new CModuleTree(this);
+    m_search = new CModuleSearch(m_tree, this);
     m_lstCatalogs = new CCatalogList(this);
     m_stcPreview = new QLabel(this);
     m_stcStyleLabel = new QLabel(tr("Style"), this);
@@ -151,7 +153,7 @@ void CMSelDlg::BuildControls() {
     right->addWidget(m_stcDbPath);
     right->addWidget(m_stcTable);
     auto* top = new QHBoxLayout;
-    top->addWidget(m_tree);
+    top->addWidget(m_search);
     top->addLayout(right, 1);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top, 1);
@@ -161,6 +163,9 @@ void CMSelDlg::BuildControls() {
     connect(buttons, &QDialogButtonBox::rejected, this, &CMSelDlg::reject);
     connect(buttons, &QDialogButtonBox::helpRequested, this, &CMSelDlg::ShowHelp);
     connect(m_tree, &CModuleTree::moduleSelectionChanged, this, &CMSelDlg::OnTreeSelectionChanged);
+    m_search->walkTo = [this](const ModDB::ModuleMatch& match) { return SelectMatch(match); };
+    // The chosen module's row has the focus, so that Return confirms it.
+    connect(m_search, &CModuleSearch::moduleChosen, m_lstCatalogs, qOverload<>(&QWidget::setFocus));
     connect(m_tree, &QTreeWidget::itemDoubleClicked, this,
             [this](QTreeWidgetItem* item) { OnTreeDoubleClick(item); });
     connect(m_lstCatalogs, &QTreeWidget::itemSelectionChanged, this, &CMSelDlg::UpdateOK);
@@ -178,9 +183,10 @@ void CMSelDlg::BuildControls() {
 }
 
 void CMSelDlg::SetTabOrder(QDialogButtonBox* buttons) {
-    // Tab walks the dialog as it reads: tree, list, styles, orientation, scale, extra,
-    // then the buttons from the top and, in the bottom row, from the left.
-    QList<QWidget*> order = {m_tree, m_lstCatalogs};
+    // Tab walks the dialog as it reads: search, tree (or the matches standing in for
+    // it), list, styles, orientation, scale, extra, then the buttons from the top and, in
+    // the bottom row, from the left.
+    QList<QWidget*> order = {&m_search->Field(), &m_search->Matches(), m_tree, m_lstCatalogs};
     for (QAbstractButton* style : m_styles->buttons()) {
         order << style;
     }
@@ -319,6 +325,18 @@ void CMSelDlg::OnTreeSelectionChanged(QTreeWidgetItem* item) {
         m_stcTable->setText(Messages::Format(4020, {table}));
     }
     UpdateOK();
+}
+
+bool CMSelDlg::SelectMatch(const ModDB::ModuleMatch& match) {
+    // As a user walks there: the type in the tree, then the module's row in its list.
+    QTreeWidgetItem* catalog =
+        m_tree->FindItem(match.Manufacturer, match.Series, match.Type, match.Catalog);
+    if (!catalog) {
+        return false;
+    }
+    QTreeWidgetItem* type = catalog->parent();
+    m_tree->setCurrentItem(type);
+    return m_tree->currentItem() == type && m_lstCatalogs->SelectCatalog(catalog->text(0));
 }
 
 void CMSelDlg::PostOk() {

@@ -4,8 +4,10 @@
 #include "CDib.h"
 #include "HelpDialog.h"
 #include "HostValue.h"
+#include "ModDB.h"
 #include "SelectionChoices.h"
 
+class CModuleSearch;
 class CModuleTree;
 class CPathLabel;
 class QButtonGroup;
@@ -67,6 +69,7 @@ public:
     void OnPromptReport();
 
     CModuleTree& Tree() { return *m_tree; }
+    CModuleSearch& Search() { return *m_search; }
     QTreeWidget& List() { return *m_lstCatalogs; }
 
 protected:
@@ -76,6 +79,7 @@ private:
     void BuildControls();
     void OnTreeSelectionChanged(QTreeWidgetItem* item);
     void OnTreeDoubleClick(QTreeWidgetItem* item);
+    bool SelectMatch(const ModDB::ModuleMatch& match);
     void OnListDoubleClick();
     int CheckedStyle() const;
     void ShowPreview(int style, int orientation);
@@ -86,6 +90,7 @@ private:
     void OnExtract();
 
     CModuleTree* m_tree;
+    CModuleSearch* m_search;
     QPushButton* m_btnOK;
     QLabel* m_stcPreview;
     CCatalogList* m_lstCatalogs;

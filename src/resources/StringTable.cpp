@@ -96,6 +96,14 @@ constexpr Entry kTable[] = {
     {4030, u"Input"},
     {4031, u"Not set"},
 
+    // Module search above the tree: the empty field's hint, the headers of the match
+    // list that the catalog list lacks, and the list's line when nothing matches.
+    {4032, u"Search catalog, description..."},
+    {4033, u"Manufacturer"},
+    {4034, u"Series"},
+    {4035, u"Type"},
+    {4036, u"No module matches."},
+
     // Database access: title and failures.
     {5000, u"PLC Database"},
     {5003, u"The PLC database cannot be opened:\n%1"},

@@ -1,5 +1,6 @@
 #include "CAttribGridWnd.h"
 #include "CMEditDlg.h"
+#include "CModuleSearch.h"
 #include "CModuleTree.h"
 #include "CPickTerm.h"
 #include "CTermGridWnd.h"
@@ -435,4 +436,42 @@ TEST_F(CMEditDlgTest, ABlockPickedAnEditUndoneAndSaveChangeExactlyThatRowOfTheEx
     expected[QStringLiteral("modules")] = modules;
     EXPECT_EQ(QString::fromUtf8(QJsonDocument(exported()).toJson()),
               QString::fromUtf8(QJsonDocument(expected).toJson()));
+}
+
+TEST_F(CMEditDlgTest, ReturnInTheSearchLoadsTheMatchAsAClickDoesAndEscapeOnlyClearsIt) {
+    QLineEdit& field = m_dialog->Search().Field();
+    QTest::mouseClick(&field, Qt::LeftButton);
+    QTest::keyClicks(&field, QStringLiteral("kx-"));
+    EXPECT_FALSE(tree().isVisible());
+    QTest::keyClick(&field, Qt::Key_Escape);
+    EXPECT_TRUE(m_dialog->isVisible());
+    EXPECT_EQ(field.text(), QString());
+    EXPECT_TRUE(tree().isVisible());
+
+    QTest::keyClicks(&field, QStringLiteral("1116"));
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_TRUE(m_dialog->isVisible());
+    ASSERT_NE(m_dialog->GetCurrentModule(), nullptr);
+    EXPECT_EQ(tree().currentItem()->text(0), QStringLiteral("NV-1116"));
+    EXPECT_EQ(m_dialog->TermGrid().model()->rowCount(), storedRows("NV-1116").size());
+
+    // Cancel at the question about unsaved changes keeps the module and the search.
+    changeSpecData(QStringLiteral("sixteen inputs"));
+    QTest::keyClicks(&field, QStringLiteral("nv-1132"));
+    m_messages.answers = {kIdCancel};
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_EQ(questionsAsked(4012), 1);
+    EXPECT_EQ(m_dialog->GetCurrentModule()->GetDescription(), QStringLiteral("sixteen inputs"));
+    EXPECT_EQ(field.text(), QStringLiteral("nv-1132"));
+    EXPECT_TRUE(m_dialog->Search().Matches().isVisible());
+
+    // A double click on the match goes the same way; No gives the change up.
+    QTreeWidget& matches = m_dialog->Search().Matches();
+    m_messages.answers = {kIdNo};
+    ClickCell(matches, 1, 1);
+    QTest::mouseDClick(matches.viewport(), Qt::LeftButton, {}, CellCentre(matches, 1, 1));
+    EXPECT_EQ(m_dialog->GetCurrentModule()->GetCatalog(), QStringLiteral("NV-1132"));
+    EXPECT_EQ(field.text(), QString());
+    EXPECT_EQ(storedDescription(QStringLiteral("NV-1116")),
+              QStringLiteral("16 point 24V DC sink input"));
 }

@@ -1,10 +1,12 @@
 #include "CMSelDlg.h"
+#include "CModuleSearch.h"
 #include "CModuleTree.h"
 #include "DialogControls.h"
 #include "EditorFixture.h"
 #include "GuiHostUi.h"
 #include "LispText.h"
 #include "ModalRunner.h"
+#include "PlcdbProcess.h"
 #include "ViewInput.h"
 
 #include <QAbstractButton>
@@ -14,6 +16,7 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 #include <QTextBrowser>
@@ -299,8 +302,9 @@ TEST_F(CMSelDlgTest, TabWalksTheControlsInScreenOrderBothWays) {
         selection.Tree().SelectModule(kKestrel, "KX", "Analog Output", "KX-AO2");
         selection.Tree().setFocus();
         // The bottom row as this platform lays it out: OK, Cancel, Help.
+        // The search field stands above the tree.
         const QStringList forward = {"201", "1118", "1131", "204", "206", "209",
-                                     "247", "1",    "2",    "203", "200"};
+                                     "247", "1",    "2",    "203", "250", "200"};
         QStringList seen;
         for (qsizetype i = 0; i < forward.size(); ++i) {
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
@@ -375,4 +379,39 @@ TEST_F(CMSelDlgTest, PlcDataShowsTheDataOfTheChosenModule) {
                              "Type: Analog Output\nDescription: Analog output 2 x 0-10V\n"
                              "Columns: 2 ch | 0-10 V | 16 bit\nAddress base: Decimal\n"
                              "Terminal rows: 9"));
+}
+
+TEST_F(CMSelDlgTest, AModuleFoundByTypingAndPickedWithTheKeysGivesTheCommandLinesList) {
+    const PlcdbRun expected =
+        RunPlcdb({"--db", databasePath(), "select", "--manufacturer", "Norvale Controls",
+                  "--series", "NV-100", "--type", "Analog Input", "--catalog", "NV-1408", "--style",
+                  "2", "--orient", "H", "--scale", "1.5"});
+    ASSERT_EQ(expected.status, 0) << qPrintable(expected.err);
+    CMSelDlg dialog;
+    dialog.SetStyle(2);
+    dialog.SetOrientation(1);
+    dialog.SetScale(1.5);
+    QueuedModalScript script;
+    script.push([](QDialog& d) {
+        auto& selection = static_cast<CMSelDlg&>(d);
+        EXPECT_TRUE(Activate(d));
+        QLineEdit& field = selection.Search().Field();
+        QTest::mouseClick(&field, Qt::LeftButton);
+        // Case ignored: the descriptions of NV-1404 and NV-1408, in catalog order.
+        QTest::keyClicks(&field, QStringLiteral("CURRENT"));
+        EXPECT_EQ(selection.Search().Matches().topLevelItemCount(), 2);
+        QTest::keyClick(&field, Qt::Key_Down);
+        QTest::keyClick(&field, Qt::Key_Return);
+        // Return picked the match and did not press OK.
+        EXPECT_TRUE(d.isVisible());
+        EXPECT_EQ(field.text(), QString());
+        EXPECT_EQ(selection.Tree().currentItem()->text(0), QStringLiteral("Analog Input"));
+        // In the empty field Return is the dialog's again: it presses OK.
+        QTest::mouseClick(&field, Qt::LeftButton);
+        QTest::keyClick(&field, Qt::Key_Return);
+        return 0;
+    });
+    ASSERT_EQ(ModalRunner::Run(dialog), kIdOk);
+    EXPECT_EQ(LispText::Print(HostValue().begin().append(dialog.GetResult()).end()) + u'\n',
+              expected.out);
 }
