@@ -56,6 +56,19 @@ protected:
         ZelPlcDbIO::SetInstance(&m_store);
     }
     void createEmpty() { ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path) && m_db.Open(m_path)); }
+    // A copy of the file taken for one of version 2, read by the scan alone.
+    void openScanCopy() {
+        const QString copy = m_dir.filePath("scan.mdb");
+        SqliteDb file;
+        ASSERT_TRUE(file.open(m_path, SqliteOpenMode::ReadWrite) && file.backupTo(copy));
+        SqliteDb older;
+        ASSERT_TRUE(older.open(copy, SqliteOpenMode::ReadWrite) &&
+                    older.exec("PRAGMA user_version = 2"));
+        older.close();
+        ASSERT_TRUE(m_scan.PutConnectionString("Data Source=" + copy + ";Mode=Read"));
+    }
+
+    ZelPlcDbIO m_scan;
 };
 
 TEST_F(SearchTest, TheIndexFindsWhatTheScanOfAFileWithoutItFinds) {
@@ -83,16 +96,7 @@ TEST_F(SearchTest, TheIndexFindsWhatTheScanOfAFileWithoutItFinds) {
         spec.ColText3 = Utf8(module.colText3);
         ASSERT_TRUE(m_db.WriteRawModule(table, spec, {}));
     }
-    // The same file, taken for one of version 2: read by the scan alone.
-    const QString copy = m_dir.filePath("scan.mdb");
-    SqliteDb file;
-    ASSERT_TRUE(file.open(m_path, SqliteOpenMode::ReadWrite) && file.backupTo(copy));
-    SqliteDb older;
-    ASSERT_TRUE(older.open(copy, SqliteOpenMode::ReadWrite) &&
-                older.exec("PRAGMA user_version = 2"));
-    older.close();
-    ZelPlcDbIO scan;
-    ASSERT_TRUE(scan.PutConnectionString("Data Source=" + copy + ";Mode=Read"));
+    openScanCopy();
 
     struct Case {
         const char* fragment;
@@ -116,8 +120,34 @@ TEST_F(SearchTest, TheIndexFindsWhatTheScanOfAFileWithoutItFinds) {
     for (const Case& c : cases) {
         const QString fragment = Utf8(c.fragment);
         EXPECT_EQ(Found(m_store, fragment, c.limit, false), Utf8(c.found)) << c.fragment;
-        EXPECT_EQ(Found(scan, fragment, c.limit, false), Utf8(c.found)) << c.fragment;
+        EXPECT_EQ(Found(m_scan, fragment, c.limit, false), Utf8(c.found)) << c.fragment;
     }
+}
+
+TEST_F(SearchTest, ManyHitsComeInTheScansOrder) {
+    createEmpty();
+    ASSERT_TRUE(m_store.BeginTransaction());
+    // Made in the reverse of their order, so that neither the file nor the index holds them
+    // in it.
+    for (int module = 2100; module > 0; --module) {
+        const QString manufacturer = QStringLiteral("M%1").arg(module % 7);
+        const QString type = QStringLiteral("T%1").arg(module % 5);
+        QString table;
+        m_store.AddIndexData(manufacturer, "S", type);
+        ASSERT_TRUE(m_store.GetTypeTableName(manufacturer, "S", type, table));
+        ModDB::ModSpecData spec;
+        spec.Code = QStringLiteral("C%1").arg(module);
+        spec.Description = module % 3 ? "Input module" : "INPUT MODULE, isolated";
+        ASSERT_TRUE(m_store.AddModSpecData(table, spec, false));
+    }
+    ASSERT_TRUE(m_store.CommitTransaction());
+    openScanCopy();
+    for (const int limit : {50, 3000}) {
+        const QString found = Found(m_store, "put mod", limit);
+        EXPECT_EQ(found.count(' ') + 1, qMin(limit, 2100));
+        EXPECT_EQ(found, Found(m_scan, "put mod", limit));
+    }
+    EXPECT_EQ(Found(m_store, "odule, i", 3000), Found(m_scan, "odule, i", 3000));
 }
 
 TEST_F(SearchTest, EveryChangeOfTheStoreIsFoundAndItsOldTextsLeaveTheIndex) {
