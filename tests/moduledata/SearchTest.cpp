@@ -1,13 +1,10 @@
 #include "CKVModuleDB.h"
 #include "SearchIndex.h"
 #include "SqliteDb.h"
-#include "StoreSchema.h"
-#include "ZelDbMigrate.h"
 #include "ZelPlcDbIO.h"
 
 #include "StoreTestSupport.h"
 
-#include <QFile>
 #include <QHash>
 
 #include <gtest/gtest.h>
@@ -16,142 +13,100 @@
 
 namespace {
 
-QString Utf8(const char* text) {
-    return QString::fromUtf8(text);
-}
-
-// The matches as "Type/Catalog" (or "Manufacturer/Catalog"), in the order found.
-QString Found(ZelPlcDbIO& store, const QString& fragment, int limit = 50, bool byType = true) {
+// The matches as "Manufacturer/Type/Catalog", in the order found.
+QString Found(ZelPlcDbIO& store, const QString& fragment, int limit = 5000) {
     QList<ModDB::ModuleMatch> matches;
     EXPECT_TRUE(store.FindModules(fragment, limit, matches)) << store.m_strLastError.toStdString();
     QStringList found;
     for (const ModDB::ModuleMatch& match : matches) {
-        found << (byType ? match.Type : match.Manufacturer) + '/' + match.Catalog;
+        found << match.Manufacturer + '/' + match.Type + '/' + match.Catalog;
     }
     return found.join(' ');
 }
 
-// What the index itself holds for a fragment, and its rows against the modules', read
-// through a connection of its own.
+// The index's own hits for a fragment, and its rows less twice the modules'.
 QString IndexState(const QString& path, const QString& fragment) {
     SqliteDb db;
     EXPECT_TRUE(db.open(path, SqliteOpenMode::ReadWrite));
     SqliteStatement statement = db.prepare(
         "SELECT (SELECT count(*) FROM plc_search WHERE plc_search MATCH ?1),"
-        " (SELECT count(*) FROM plc_search) - (SELECT count(*) FROM plc_spec),"
-        " (SELECT count(*) FROM plc_search_key) - (SELECT count(*) FROM plc_spec)");
-    EXPECT_TRUE(statement.bind(1, SearchIndex::Phrase(fragment)).next())
-        << db.lastError().toStdString();
-    return QStringLiteral("%1 hits, %2 %3")
-        .arg(statement.toInt(0))
-        .arg(statement.toInt(1))
-        .arg(statement.toInt(2));
+        " (SELECT count(*) FROM plc_search) + (SELECT count(*) FROM plc_search_key)"
+        " - 2 * (SELECT count(*) FROM plc_spec)");
+    EXPECT_TRUE(statement.bind(1, SearchIndex::Phrase(fragment)).next());
+    return statement.text(0) + ' ' + statement.text(1);
+}
+
+void AddModule(ZelPlcDbIO& store, const QString& manufacturer, const QString& type,
+               const QString& code, const QString& description, const QString& colText3 = {}) {
+    QString table;
+    store.AddIndexData(manufacturer, "S", type);
+    ASSERT_TRUE(store.GetTypeTableName(manufacturer, "S", type, table));
+    ModDB::ModSpecData spec;
+    spec.Code = code;
+    spec.Description = description;
+    spec.ColText3 = colText3;
+    ASSERT_TRUE(store.AddModSpecData(table, spec, false));
 }
 
 class SearchTest : public StoreFileTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(m_dir.isValid());
         m_path = m_dir.filePath("ZEL_PLC.MDB");
         ZelPlcDbIO::SetInstance(&m_store);
+        ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path) && m_db.Open(m_path));
     }
-    void createEmpty() { ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path) && m_db.Open(m_path)); }
-    // A copy of the file taken for one of version 2, read by the scan alone.
-    void openScanCopy() {
-        const QString copy = m_dir.filePath("scan.mdb");
-        SqliteDb file;
-        ASSERT_TRUE(file.open(m_path, SqliteOpenMode::ReadWrite) && file.backupTo(copy));
-        SqliteDb older;
-        ASSERT_TRUE(older.open(copy, SqliteOpenMode::ReadWrite) &&
-                    older.exec("PRAGMA user_version = 2"));
-        older.close();
-        ASSERT_TRUE(m_scan.PutConnectionString("Data Source=" + copy + ";Mode=Read"));
-    }
-
-    ZelPlcDbIO m_scan;
 };
 
 TEST_F(SearchTest, TheIndexFindsWhatTheScanOfAFileWithoutItFinds) {
-    createEmpty();
-    struct Module {
-        const char* manufacturer;
-        const char* code;
-        const char* description;
-        const char* colText3;
-    };
-    const Module modules[] = {
+    const char* const modules[][4] = {
         {"Beta", "abc-200", "äbc module", ""},
-        {"Beta", "G1", "", "\u1C90\u1C91\u1C92"},  // Georgian capitals, which the index keeps apart
+        {"Beta", "G1", "", "\u1C90\u1C91\u1C92"},  // Georgian capitals: kept apart by the index
         {"alpha", "ÄBC-100", "Relay output", ""},
         {"alpha", "Q\"7", "say \"hi\" now", ""},
-        {"alpha", "ΟΣΟΣ", "", ""},
     };
-    for (const Module& module : modules) {
-        QString table;
-        m_db.AddIndex(Utf8(module.manufacturer), "S", "T");
-        ASSERT_TRUE(m_db.GetTypeTableName(Utf8(module.manufacturer), "S", "T", table));
-        ModDB::ModSpecData spec;
-        spec.Code = Utf8(module.code);
-        spec.Description = Utf8(module.description);
-        spec.ColText3 = Utf8(module.colText3);
-        ASSERT_TRUE(m_db.WriteRawModule(table, spec, {}));
+    ASSERT_TRUE(m_store.BeginTransaction());
+    for (const auto& module : modules) {
+        AddModule(m_store, module[0], "T", module[1], module[2], module[3]);
     }
-    openScanCopy();
+    // More hits than are sorted, made in the reverse of their order.
+    for (int module = 2100; module > 0; --module) {
+        AddModule(m_store, QStringLiteral("M%1").arg(module % 7),
+                  QStringLiteral("T%1").arg(module % 5), QStringLiteral("C%1").arg(module),
+                  module % 3 ? "Input module" : "INPUT MODULE, isolated");
+    }
+    ASSERT_TRUE(m_store.CommitTransaction());
+    // The same file taken for one of version 2, read by the scan alone.
+    const QString copy = m_dir.filePath("scan.mdb");
+    SqliteDb file, older;
+    ASSERT_TRUE(file.open(m_path, SqliteOpenMode::ReadWrite) && file.backupTo(copy));
+    ASSERT_TRUE(older.open(copy, SqliteOpenMode::ReadWrite) &&
+                older.exec("PRAGMA user_version = 2"));
+    ZelPlcDbIO scan;
+    ASSERT_TRUE(scan.PutConnectionString("Data Source=" + copy + ";Mode=Read"));
 
-    struct Case {
+    const struct {
         const char* fragment;
         int limit;
         const char* found;
-    };
-    const Case cases[] = {
-        {"äbc", 50, "alpha/ÄBC-100 Beta/abc-200"},
-        {"ÄBC", 50, "alpha/ÄBC-100 Beta/abc-200"},
-        {"ABC", 50, "Beta/abc-200"},
-        {"ÄBC", 1, "alpha/ÄBC-100"},
-        {"\"hi\"", 50, "alpha/Q\"7"},
-        {"y \"h", 50, "alpha/Q\"7"},
-        {"σος", 50, "alpha/ΟΣΟΣ"},
-        {"\u10D0\u10D1\u10D2", 50, "Beta/G1"},
-        {"\u1C90\u1C91\u1C92", 50, "Beta/G1"},
-        {"bc", 50, "alpha/ÄBC-100 Beta/abc-200"},
+    } cases[] = {
+        {"äbc", 50, "alpha/T/ÄBC-100 Beta/T/abc-200"},
+        {"ÄBC", 50, "alpha/T/ÄBC-100 Beta/T/abc-200"},
+        {"\"hi\"", 50, "alpha/T/Q\"7"},
+        {"\u10D0\u10D1\u10D2", 50, "Beta/T/G1"},
+        {"\u1C90\u1C91\u1C92", 50, "Beta/T/G1"},
+        {"bc", 50, "alpha/T/ÄBC-100 Beta/T/abc-200"},
         {"PUT OR x", 50, ""},
-        {"xyz", 50, ""},
+        {"put mod", 2, "M0/T0/C1015 M0/T0/C105"},
     };
-    for (const Case& c : cases) {
-        const QString fragment = Utf8(c.fragment);
-        EXPECT_EQ(Found(m_store, fragment, c.limit, false), Utf8(c.found)) << c.fragment;
-        EXPECT_EQ(Found(m_scan, fragment, c.limit, false), Utf8(c.found)) << c.fragment;
+    for (const auto& c : cases) {
+        EXPECT_EQ(Found(m_store, c.fragment, c.limit), c.found) << c.fragment;
+        EXPECT_EQ(Found(scan, c.fragment, c.limit), c.found) << c.fragment;
     }
-}
-
-TEST_F(SearchTest, ManyHitsComeInTheScansOrder) {
-    createEmpty();
-    ASSERT_TRUE(m_store.BeginTransaction());
-    // Made in the reverse of their order, so that neither the file nor the index holds them
-    // in it.
-    for (int module = 2100; module > 0; --module) {
-        const QString manufacturer = QStringLiteral("M%1").arg(module % 7);
-        const QString type = QStringLiteral("T%1").arg(module % 5);
-        QString table;
-        m_store.AddIndexData(manufacturer, "S", type);
-        ASSERT_TRUE(m_store.GetTypeTableName(manufacturer, "S", type, table));
-        ModDB::ModSpecData spec;
-        spec.Code = QStringLiteral("C%1").arg(module);
-        spec.Description = module % 3 ? "Input module" : "INPUT MODULE, isolated";
-        ASSERT_TRUE(m_store.AddModSpecData(table, spec, false));
-    }
-    ASSERT_TRUE(m_store.CommitTransaction());
-    openScanCopy();
-    for (const int limit : {50, 3000}) {
-        const QString found = Found(m_store, "put mod", limit);
-        EXPECT_EQ(found.count(' ') + 1, qMin(limit, 2100));
-        EXPECT_EQ(found, Found(m_scan, "put mod", limit));
-    }
-    EXPECT_EQ(Found(m_store, "odule, i", 3000), Found(m_scan, "odule, i", 3000));
+    EXPECT_EQ(Found(m_store, "put mod").count(' ') + 1, 2100);
+    EXPECT_EQ(Found(m_store, "put mod"), Found(scan, "put mod"));
 }
 
 TEST_F(SearchTest, EveryChangeOfTheStoreIsFoundAndItsOldTextsLeaveTheIndex) {
-    createEmpty();
     QString t, u;
     ASSERT_TRUE(m_db.AddIndex("M", "S", "T") && m_db.AddIndex("M", "S", "U"));
     ASSERT_TRUE(m_db.GetTypeTableName("M", "S", "T", t) && m_db.GetTypeTableName("M", "S", "U", u));
@@ -163,75 +118,44 @@ TEST_F(SearchTest, EveryChangeOfTheStoreIsFoundAndItsOldTextsLeaveTheIndex) {
         m_db.GetModule(handle).SetDescription(description);
         return m_db.SaveModule(handle) && m_db.ReleaseModule(handle);
     };
-    struct Step {
-        const char* what;
+    const struct {
         std::function<bool()> change;
         const char* fragment;
         const char* found;
         const char* gone;
-    };
-    const Step steps[] = {
-        {"import", [&] { return m_db.WriteRawModule(t, spec, {}); }, "quartz", "T/QZ-100", "amber"},
-        {"save", [&] { return describe("amber relay"); }, "amber", "T/QZ-100", "quartz"},
-        {"rename", [&] { return m_db.RenameModule(t, "QZ-100", "QZ-200"); }, "QZ-2", "T/QZ-200",
-         "QZ-1"},
-        {"copy", [&] { return m_db.CopyModule("QZ-200", t, "QZ-300", u); }, "amber",
-         "T/QZ-200 U/QZ-300", "QZ-1"},
-        {"delete", [&] { return m_db.RemoveEntry("M", "S", "T", "QZ-200"); }, "amber", "U/QZ-300",
-         "QZ-2"},
-        {"paste cut",
-         [&] {
+    } steps[] = {
+        {[&] { return m_db.WriteRawModule(t, spec, {}); }, "quartz", "M/T/QZ-100", "amber"},
+        {[&] { return describe("amber relay"); }, "amber", "M/T/QZ-100", "quartz"},
+        {[&] { return m_db.RenameModule(t, "QZ-100", "QZ-200"); }, "QZ-2", "M/T/QZ-200", "QZ-1"},
+        {[&] { return m_db.CopyModule("QZ-200", t, "QZ-300", u); }, "amber",
+         "M/T/QZ-200 M/U/QZ-300", "QZ-1"},
+        {[&] { return m_db.RemoveEntry("M", "S", "T", "QZ-200"); }, "amber", "M/U/QZ-300", "QZ-2"},
+        // Paste after cut: a copy to the other type and a delete.
+        {[&] {
              return m_db.CopyModule("QZ-300", u, "QZ-301", t) &&
                     m_db.RemoveEntry("M", "S", "U", "QZ-300");
          },
-         "amber", "T/QZ-301", "QZ-300"},
-        {"remove type", [&] { return m_db.RemoveEntry("M", "S", "T", QString()); }, "QZ-", "",
-         "amber"},
+         "amber", "M/T/QZ-301", "QZ-300"},
+        {[&] { return m_db.RemoveEntry("M", "S", "T", QString()); }, "QZ-", "", "amber"},
     };
-    for (const Step& step : steps) {
-        ASSERT_TRUE(step.change()) << step.what;
-        EXPECT_EQ(Found(m_store, step.fragment), Utf8(step.found)) << step.what;
-        EXPECT_EQ(IndexState(m_path, step.gone), QString("0 hits, 0 0")) << step.what;
-    }
-}
-
-TEST_F(SearchTest, MigrationGivesAnOlderFileItsIndex) {
-    for (const int version : {1, 2}) {
-        const QString path = m_dir.filePath(QStringLiteral("v%1.mdb").arg(version));
-        ASSERT_TRUE(StoreSchema::CreateFile(path, version, nullptr));
-        QString table;
-        ASSERT_TRUE(m_db.Open(path) && m_db.AddIndex("M", "S", "T") &&
-                    m_db.GetTypeTableName("M", "S", "T", table));
-        SqliteDb file;
-        ASSERT_TRUE(file.open(path, SqliteOpenMode::ReadWrite));
-        ASSERT_TRUE(file.prepare("INSERT INTO plc_spec (table_name, code_key, \"Code\", "
-                                 "\"Description\") VALUES (?1, 'old-1', 'OLD-1', 'kept module')")
-                        .bind(1, table)
-                        .run());
-        file.close();
-        ASSERT_TRUE(Migrate(path, false, true, nullptr, {}, {}, {}, {})) << version;
-        EXPECT_TRUE(QFile::exists(path + QStringLiteral(".v%1.bak").arg(version)));
-        EXPECT_EQ(Found(m_store, "pt modu"), "T/OLD-1") << version;
-        EXPECT_EQ(IndexState(path, "kept"), "1 hits, 0 0") << version;
-        m_db.Close();
+    for (const auto& step : steps) {
+        ASSERT_TRUE(step.change()) << step.fragment;
+        EXPECT_EQ(Found(m_store, step.fragment), step.found) << step.fragment;
+        EXPECT_EQ(IndexState(m_path, step.gone), "0 0") << step.fragment;
     }
 }
 
 // Guards against a Qt or SQLite whose case folding parts in a place the index doesn't know.
 TEST(SearchIndex, EveryCharacterThatTheTwoFoldingsPartIsKeptApart) {
     SqliteDb db;
-    ASSERT_TRUE(db.open(":memory:", SqliteOpenMode::Create));
-    ASSERT_TRUE(
-        db.exec("CREATE VIRTUAL TABLE t USING fts5(x, tokenize = 'trigram');"
-                "CREATE VIRTUAL TABLE v USING fts5vocab(t, instance)"));
+    ASSERT_TRUE(db.open(":memory:", SqliteOpenMode::Create) &&
+                db.exec("CREATE VIRTUAL TABLE t USING fts5(x, tokenize = 'trigram');"
+                        "CREATE VIRTUAL TABLE v USING fts5vocab(t, instance)"));
     // Each cased character and its fold, three times over: its trigram is its fold thrice.
-    QHash<char32_t, char32_t> qtFold;
-    db.beginTransaction();
     for (char32_t c = 1; c <= 0x10FFFF; ++c) {
         const char32_t folded = QChar::toCaseFolded(c);
-        if (folded != c || QChar::toUpper(c) != c) {
-            qtFold.insert(c, folded);
-            for (const char32_t each : {c, folded}) {
+        for (const char32_t each : {c, folded}) {
+            if (folded != c || QChar::toUpper(c) != c) {
                 db.prepare("INSERT OR IGNORE INTO t (rowid, x) VALUES (?1, ?2)")
                     .bindInt64(1, each)
                     .bind(2, QString::fromUcs4(&each, 1).repeated(3))
@@ -239,15 +163,14 @@ TEST(SearchIndex, EveryCharacterThatTheTwoFoldingsPartIsKeptApart) {
             }
         }
     }
-    db.commitTransaction();
     QHash<char32_t, char32_t> indexFold;
     SqliteStatement terms = db.prepare("SELECT doc, term FROM v");
     while (terms.next()) {
         indexFold.insert(char32_t(terms.toInt64(0)), terms.text(1).toUcs4().value(0));
     }
     ASSERT_GT(indexFold.size(), 2000);
-    for (auto it = qtFold.cbegin(); it != qtFold.cend(); ++it) {
-        if (indexFold.value(it.key()) != indexFold.value(it.value())) {
+    for (auto it = indexFold.cbegin(); it != indexFold.cend(); ++it) {
+        if (it.value() != indexFold.value(QChar::toCaseFolded(it.key()))) {
             EXPECT_TRUE(SearchIndex::FoldsApart(it.key())) << std::hex << uint(it.key());
         }
     }
