@@ -90,6 +90,7 @@ QString CliOptions::MainHelp() {
                "  list           show the manufacturers, series, types and catalogs\n"
                "  export [OUT]   write the whole database as one JSON document\n"
                "  import IN      add a JSON document to the database\n"
+               "  search TEXT    find modules by a part of their catalog or texts\n"
                "  new            make a new module with the defaults of the default files\n"
                "  select         pick a module in the selection dialog and print its list,\n"
                "                 or, with --catalog, print the list without a dialog\n"
@@ -252,6 +253,20 @@ QString CliOptions::CommandHelp(const QString& command) {
                         "\n"
                         "Shows the database as an indented tree: manufacturers, their series,\n"
                         "the types of each series and the catalog numbers of each type.\n")},
+        {QStringLiteral("search"),
+         QStringLiteral(
+             "Usage: plcdb [--db FILE] search TEXT [--limit N] [--json]\n"
+             "\n"
+             "Lists the modules whose catalog, description or one of the three column\n"
+             "texts holds TEXT, case ignored, as the search field of the selection dialog\n"
+             "and the editor finds them: in the order of manufacturer, series, type and\n"
+             "catalog, at most N of them (50). Each match is one line of manufacturer,\n"
+             "series, type, catalog and description, separated by tabs (a tab or line\n"
+             "break in a text becomes a blank); with --json one JSON array of objects with\n"
+             "the keys manufacturer, series, type, catalog and description.\n"
+             "\n"
+             "Exit status: 0 with matches, 1 without, 2 for a wrong call or a database\n"
+             "that cannot be read.\n")},
         {QStringLiteral("export"),
          QStringLiteral(
              "Usage: plcdb [--db FILE] export [OUT]\n"

@@ -10,6 +10,7 @@
 #include "Messages.h"
 #include "NewCommand.h"
 #include "QtMessageSink.h"
+#include "SearchCommand.h"
 #include "SelectCommand.h"
 
 #include <QApplication>
@@ -100,6 +101,9 @@ int main(int argc, char** argv) {
     }
     if (options.command == QStringLiteral("import")) {
         return RunImportCommand(options);
+    }
+    if (options.command == QStringLiteral("search")) {
+        return RunSearchCommand(options);
     }
     if (options.command == QStringLiteral("new")) {
         return RunNewCommand(options);

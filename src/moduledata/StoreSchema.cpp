@@ -1,6 +1,7 @@
 #include "StoreSchema.h"
 
 #include "ModDB.h"
+#include "SearchIndex.h"
 #include "SqliteDb.h"
 #include "SqliteStatement.h"
 #include "SqliteTransaction.h"
@@ -16,6 +17,9 @@
 
 namespace StoreSchema {
 namespace {
+
+// The first version with all spec fields.
+constexpr int kFullSpecVersion = 2;
 
 // Index rows: level 1 a manufacturer, 2 a series, 3 a type with its table name. The
 // *_key columns hold the case-folded names that all look-ups and uniqueness use.
@@ -134,8 +138,8 @@ QString StyleTable() {
 }  // namespace
 
 int SpecFieldCount(int version) {
-    return version >= kCurrentVersion ? ModDB::ModSpecData::kFieldCount
-                                      : ModDB::ModSpecData::kFieldCount - 2;
+    return version >= kFullSpecVersion ? ModDB::ModSpecData::kFieldCount
+                                       : ModDB::ModSpecData::kFieldCount - 2;
 }
 
 bool Create(SqliteDb& db, int version) {
@@ -151,7 +155,7 @@ bool Create(SqliteDb& db, int version) {
     };
     SqliteTransaction transaction(db);
     return transaction.isActive() && db.exec(statements.join(QLatin1String("; "))) &&
-           transaction.commit();
+           (!SearchIndex::IsIn(version) || SearchIndex::Create(db)) && transaction.commit();
 }
 
 namespace {
@@ -243,7 +247,8 @@ bool Upgrade(SqliteDb& db, int fromVersion) {
             return false;
         }
     }
-    return db.setUserVersion(kCurrentVersion);
+    return (SearchIndex::IsIn(fromVersion) || SearchIndex::Create(db)) &&
+           db.setUserVersion(kCurrentVersion);
 }
 
 }  // namespace StoreSchema

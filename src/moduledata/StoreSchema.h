@@ -5,11 +5,12 @@
 class SqliteDb;
 
 // The tables of a module database file and their versions, kept in user_version.
-// Version 1 lacks the last two spec fields; version 2 has all of them.
+// Version 1 lacks the last two spec fields; version 2 has all of them; version 3 adds the
+// search index.
 namespace StoreSchema {
 
 constexpr int kFirstVersion = 1;
-constexpr int kCurrentVersion = 2;
+constexpr int kCurrentVersion = 3;
 // Long enough to ride out another program's save, short enough not to hang the host.
 constexpr int kBusyTimeoutMs = 3000;
 
@@ -28,7 +29,8 @@ bool Create(SqliteDb& db, int version);
 // the file's journal allows it. Nothing is written on opening, and no read leaves a file
 // beside the database. False with the cause in error otherwise.
 bool Open(SqliteDb& db, const QString& path, Access access, int& version, QString& error);
-// Adds what later versions brought, up to the current one. The caller holds the transaction.
+// Adds what later versions brought, up to the current one, and fills a new search index
+// from the modules. The caller holds the transaction.
 bool Upgrade(SqliteDb& db, int fromVersion);
 
 }  // namespace StoreSchema

@@ -23,7 +23,7 @@ class SqliteStatement;
 class ZelPlcDbIO {
 public:
     // The schema this program writes, kept in the file's user_version.
-    static constexpr int kSchemaVersion = 2;
+    static constexpr int kSchemaVersion = 3;
 
     ZelPlcDbIO();
     virtual ~ZelPlcDbIO();
@@ -81,7 +81,8 @@ public:
     // Modules whose catalog, description or one of the three column texts holds
     // fragment, case ignored (Unicode case folding), in the order of manufacturer,
     // series, type and catalog; at most limit of them. Modules without a type row in the
-    // index are not found. An empty fragment finds nothing.
+    // index are not found. An empty fragment finds nothing. A fragment of three characters
+    // or more is sought through the file's search index where it has one.
     bool FindModules(const QString& fragment, int limit, QList<ModDB::ModuleMatch>& matches);
 
     // Style boxes 1 to 9 and the prompt table.
@@ -130,8 +131,10 @@ private:
     bool FindIndexRows(const IndexLevel& level, bool& exists);
     bool IndexNameTaken(const IndexLevel& level, const QString& newName, bool& taken);
     bool InsertIndexRow(SqliteDb& db, const IndexLevel& level);
-    bool ScanModules(SqliteDb& db, const QString& fragment, int limit,
+    bool SeekModules(SqliteDb& db, const QString& fragment, int limit,
                      QList<ModDB::ModuleMatch>& matches);
+    bool CollectMatches(SqliteStatement& statement, const QString& fragment, int limit,
+                        QList<ModDB::ModuleMatch>& matches);
 
     std::unique_ptr<SqliteDb> m_db;
     QString m_connection;

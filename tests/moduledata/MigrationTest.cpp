@@ -74,6 +74,8 @@ TEST_F(MigrationTest, Version1FileIsUpgradedAfterABackupAndEveryModuleLoadsUncha
 
     ASSERT_TRUE(MigrateFile(m_path));
     EXPECT_FALSE(Required(m_path, true));
+    QList<ModDB::ModuleMatch> found;
+    EXPECT_TRUE(m_store.FindModules("LD MOD", 5, found) && found.value(0).Catalog == "C1");
     const QString backup = m_path + ".v1.bak";
     EXPECT_TRUE(Required(backup, false));
 
