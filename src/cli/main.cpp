@@ -10,6 +10,7 @@
 #include "NewCommand.h"
 #include "QtMessageSink.h"
 #include "SelectCommand.h"
+#include "TerminalsCommand.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -105,6 +106,9 @@ int main(int argc, char** argv) {
     }
     if (options.command == QStringLiteral("blocks")) {
         return RunBlocksCommand(options);
+    }
+    if (options.command == QStringLiteral("terminals")) {
+        return RunTerminalsCommand(options);
     }
 
     QtMessageSink messageBoxes;
