@@ -189,9 +189,11 @@ bool TermColumns::ReadText(CKVModule& module, int row, int col, const QString& t
             return StoreValue(module, row, col, flag);
         }
         case Spacing: {
+            // -1 stands for no spacing, so no number below 0 can be one.
             double spacing = -1.0;
-            if (!SpacingValue(text, spacing)) {
-                error = QStringLiteral("%1 is no number (a spacing such as %2, or empty for none)")
+            if (!SpacingValue(text, spacing) || (!text.isEmpty() && spacing < 0.0)) {
+                error = QStringLiteral(
+                            "%1 is no spacing: a number of 0 or more such as %2, or empty for none")
                             .arg(Quoted(text), SpacingText(1.5));
                 return false;
             }

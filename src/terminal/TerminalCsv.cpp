@@ -257,6 +257,12 @@ void TerminalCsv::MakeRow(CKVModule& work, int row, const QStringList& header,
         } else if (cell.contains(u';')) {
             errors.append(CellName(row, int(col), header) +
                           QStringLiteral(": a value cannot hold \";\", which ends a token"));
+        } else if (!cell.isEmpty() && CKVModule::IsFlagToken(header[col] + u'=' + cell)) {
+            errors.append(CellName(row, int(col), header) +
+                          QStringLiteral(": %1=%2 would read as a flag; the columns %3 to %4 hold "
+                                         "those")
+                              .arg(header[col], cell, m_columns.Header(TermColumns::Show),
+                                   m_columns.Header(TermColumns::Spacing)));
         } else if (!cell.isEmpty()) {
             tokens.append(header[col] + u'=' + cell);
             columns.names.append(header[col]);

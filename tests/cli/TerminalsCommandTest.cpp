@@ -108,7 +108,7 @@ TEST_F(TerminalsCommand, EachRefusedCellIsNamedByRowAndColumnAndTheStoreStaysAsI
         {"show", edit(3, ",Always,", ",Sometimes,"), kNv1108, 1,
          "row 3, column Show: \"Sometimes\" is none of the choices"},
         {"spacing", edit(4, ",0,,", ",0,1.5 mm,"), kNv1108, 1,
-         "row 4, column Spacing: \"1.5 mm\" is no number"},
+         "row 4, column Spacing: \"1.5 mm\" is no spacing"},
         {"ragged", edit(5, "\r", ",x\r"), kNv1108, 1, "row 5: 30 cells where the header has 29"},
         {"quote", edit(5, "Digital", "\"Digital"), kNv1108, 1,
          "row 5, column Terminal: a quoted field is not closed"},
