@@ -189,9 +189,12 @@ bool TermColumns::ReadText(CKVModule& module, int row, int col, const QString& t
             return StoreValue(module, row, col, flag);
         }
         case Spacing: {
-            // -1 stands for no spacing, so no number below 0 can be one.
+            // -1 stands for no spacing, so no number below 0 can be one; nor one so small
+            // that it shows as 0 and would come back as 0.
             double spacing = -1.0;
-            if (!SpacingValue(text, spacing) || (!text.isEmpty() && spacing < 0.0)) {
+            const bool read = ShortSpacingValue(text, spacing) || SpacingValue(text, spacing);
+            if (!read || (!text.isEmpty() && spacing < 0.0) ||
+                (spacing != 0.0 && SpacingText(spacing) == QStringLiteral("0"))) {
                 error = QStringLiteral(
                             "%1 is no spacing: a number of 0 or more such as %2, or empty for none")
                             .arg(Quoted(text), SpacingText(1.5));
@@ -217,6 +220,24 @@ QString TermColumns::SpacingText(double value) {
         text.replace(u'.', separator);
     }
     return text;
+}
+
+bool TermColumns::ShortSpacingValue(const QString& text, double& value) {
+    const QString separator = GetLocaleDecimalSep();
+    const qsizetype lead = text.startsWith(u'.')                                ? 1
+                           : !separator.isEmpty() && text.startsWith(separator) ? separator.size()
+                                                                                : 0;
+    const QString digits = text.mid(lead);
+    if (lead == 0 || digits.isEmpty() || digits.size() >= kSpacingDecimals) {
+        return false;
+    }
+    for (const QChar c : digits) {
+        if (c < u'0' || c > u'9') {
+            return false;
+        }
+    }
+    value = digits.toInt() / std::pow(10.0, kSpacingDecimals);
+    return true;
 }
 
 bool TermColumns::SpacingValue(const QString& text, double& value) {

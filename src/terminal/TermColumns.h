@@ -55,6 +55,11 @@ public:
     static bool SpacingValue(const QString& text, double& value);
 
 private:
+    // Below 0.1 a spacing shows as its digits behind the separator without the zeros in
+    // front (0.075 shows ".750"); read back, those digits are ten-thousandths. False for
+    // any other text.
+    static bool ShortSpacingValue(const QString& text, double& value);
+
     const BlockLookup* m_blocks = nullptr;
     QStringList m_headers;
     QStringList m_showChoices;

@@ -62,8 +62,6 @@ public:
     // columns show what the row holds and are not written back: a spacing keeps the
     // decimals that the cell does not show until the user edits it.
     void WriteBackRow(int row, int blockIndex);
-    // How each column is made and read, shared with the rows' CSV form.
-    const TermColumns& Columns() const { return m_columns; }
 
     // Whole rows, for undo: what a row holds, putting it back, and adding and removing
     // module rows together with grid rows.
@@ -77,6 +75,7 @@ private:
     ModuleSource m_source;
     CBlockDescEx* m_pBlockDesc = nullptr;
     BlockLookup m_lookup;
+    // How each column is made and read, as the rows' CSV form makes and reads them.
     TermColumns m_columns;
     int m_nRows = 0;
 };

@@ -244,9 +244,9 @@ QStringList TerminalCsv::CheckHeader(const QStringList& header) const {
     return errors;
 }
 
-void TerminalCsv::MakeRow(CKVModule& work, int row, const QStringList& header,
-                          const QStringList& cells, const QStringList& knownNames,
-                          QStringList& errors) const {
+void TerminalCsv::MakeRow(CKVModule& work, const CKVModule& stored, int row,
+                          const QStringList& header, const QStringList& cells,
+                          const QStringList& knownNames, QStringList& errors) const {
     QStringList tokens;
     RowParts columns;
     QStringList other;
@@ -289,6 +289,16 @@ void TerminalCsv::MakeRow(CKVModule& work, int row, const QStringList& header,
         if (!m_columns.ReadText(work, row, col, cells[col - 1], knownNames, error)) {
             errors.append(CellName(row, col - 1, header) + QStringLiteral(": ") + error);
         }
+    }
+    // As in the grid, a cell left as the stored row at its place shows it keeps what that
+    // row holds: the name as it is spelled, the decimals of a spacing that do not show.
+    if (row <= stored.GetTermCount() &&
+        cells[TermColumns::Terminal - 1] == m_columns.Text(stored, row, TermColumns::Terminal)) {
+        work.SetTermText(row, stored.GetTermText(row));
+    }
+    if (row <= stored.GetTermCount() &&
+        cells[TermColumns::Spacing - 1] == m_columns.Text(stored, row, TermColumns::Spacing)) {
+        work.SetSpacingFactor(row, stored.GetSpacingFactor(row));
     }
 }
 
@@ -344,7 +354,7 @@ bool TerminalCsv::Read(const QByteArray& data, const CKVModule& module, QList<Te
             rows.append({row, {module.GetTermText(row), module.GetTermSpecial(row)}});
             continue;
         }
-        MakeRow(work, row, header, cells, knownNames, errors);
+        MakeRow(work, module, row, header, cells, knownNames, errors);
         rows.append({0, {work.GetTermText(row), work.GetTermSpecial(row)}});
     }
     if (!errors.isEmpty()) {

@@ -49,9 +49,11 @@ private:
     // all that the row holds.
     bool RowCells(const CKVModule& module, int row, const QStringList& header,
                   QStringList& cells) const;
-    // Makes row number row of work from a record; appends refusals to errors.
-    void MakeRow(CKVModule& work, int row, const QStringList& header, const QStringList& cells,
-                 const QStringList& knownNames, QStringList& errors) const;
+    // Makes row number row of work from a record; appends refusals to errors. A cell that
+    // shows what the stored row at its place shows keeps that row's value.
+    void MakeRow(CKVModule& work, const CKVModule& stored, int row, const QStringList& header,
+                 const QStringList& cells, const QStringList& knownNames,
+                 QStringList& errors) const;
 
     const TermColumns& m_columns;
 };

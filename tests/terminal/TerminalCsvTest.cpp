@@ -70,12 +70,15 @@ TEST(TerminalCsv, PromptsOddTokensAndUnknownNamesComeBackAndAreMadeFromTheTextsA
     module.SetTermRow(1,
                       "HP?TERM;%%1PROMPT=SLOT;TAG = 7;\\SPECIAL = BREAK;NOTE;A=1;a=2;;"
                       "\\SPECIAL=SPACINGFACTOR=1.234567");
-    module.SetTermRow(2, "HP?GONE;\\SPECIAL=ADDR_OUT;\\SPECIAL=INCLUDE;B=x,\"y\"");
+    // A spacing below 0.1 shows as the grid shows it (".750") and came back ten times larger.
+    module.SetTermRow(2,
+                      "HP?GONE;\\SPECIAL=ADDR_OUT;\\SPECIAL=INCLUDE;B=x,\"y\";"
+                      "\\SPECIAL=SPACINGFACTOR=0.075000");
     const QByteArray written = csv.Write(module);
     EXPECT_EQ(written,
               "Terminal,Show,Re-prompt,Break,Spacing,%%1PROMPT,TAG,A,B,Other tokens (;)\r\n"
               "\"Terminal, plain\",Always,None,1,1.2346,SLOT, 7,1,,NOTE;a=2\r\n"
-              "HP?GONE,Include,Out,0,,,,,\"x,\"\"y\"\"\",\r\n");
+              "HP?GONE,Include,Out,0,.750,,,,\"x,\"\"y\"\"\",\r\n");
 
     // Read back over the same rows, every row is kept as stored.
     QList<TermCsvRow> rows;
@@ -96,7 +99,9 @@ TEST(TerminalCsv, PromptsOddTokensAndUnknownNamesComeBackAndAreMadeFromTheTextsA
     EXPECT_EQ(rows[0].values.strSpecial,
               "%%1PROMPT=SLOT;TAG= 7;A=1;NOTE;a=2;\\SPECIAL=BREAK;"
               "\\SPECIAL=SPACINGFACTOR=1.234600");
-    EXPECT_EQ(rows[1].values.strSpecial, "\\SPECIAL=ADDR_OUT;B=x,\"y\";\\SPECIAL=INCLUDE");
+    EXPECT_EQ(rows[1].values.strSpecial,
+              "\\SPECIAL=ADDR_OUT;B=x,\"y\";\\SPECIAL=INCLUDE;"
+              "\\SPECIAL=SPACINGFACTOR=0.075000");
     CKVModule made;
     for (const TermCsvRow& row : rows) {
         made.SetTermRow(made.GetTermCount() + 1, row.values.strText + u';' + row.values.strSpecial);
