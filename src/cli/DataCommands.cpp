@@ -30,6 +30,8 @@ QString Indented(int depth, const QString& text) {
     return QString(qsizetype(depth) * 2, u' ') + text + u'\n';
 }
 
+}  // namespace
+
 bool ReadInput(const QString& name, QByteArray& data, QString* error) {
     QFile file;
     const bool opened = name == QStringLiteral("-")
@@ -56,8 +58,6 @@ bool WriteOutput(const QString& name, const QByteArray& data, QString* error) {
     }
     return true;
 }
-
-}  // namespace
 
 int RunInitCommand(const CliOptions& options) {
     if (options.arguments.size() != 1) {

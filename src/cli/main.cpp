@@ -12,6 +12,7 @@
 #include "QtMessageSink.h"
 #include "SearchCommand.h"
 #include "SelectCommand.h"
+#include "TerminalsCommand.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -113,6 +114,9 @@ int main(int argc, char** argv) {
     }
     if (options.command == QStringLiteral("check")) {
         return RunCheckCommand(options);
+    }
+    if (options.command == QStringLiteral("terminals")) {
+        return RunTerminalsCommand(options);
     }
 
     QtMessageSink messageBoxes;

@@ -148,6 +148,11 @@ public:
     static QString FlagForm(const QString& token);
     static QString PairForm(const QString& token);
     static int PromptNumber(const QString& form);
+    // The tokens of a special part as every operation above scans them.
+    static QStringList Tokens(const QString& special);
+    // Whether a token is read by the flag readers or the spacing reader, whatever else it
+    // holds: such a token is what the break, show, re-prompt and spacing values are made of.
+    static bool IsFlagToken(const QString& token);
     // The text of a prompt token, behind "%%nPROMPT=".
     static constexpr int kPromptTextStart = 10;
 

@@ -106,6 +106,10 @@ public:
                        QList<ModDB::ModTermData>& rows);
     bool WriteRawModule(const QString& table, const ModDB::ModSpecData& spec,
                         const QList<ModDB::ModTermData>& rows);
+    // Replaces all terminal rows of an existing module with these, numbered as they come,
+    // in one transaction; false and nothing changed when the module or a step fails.
+    bool ReplaceRawRows(const QString& table, const QString& catalog,
+                        const QList<ModDB::ModTermData>& rows);
     bool GetPromptRows(QList<ModDB::PromptData>& rows);
     bool AddPromptRow(const ModDB::PromptData& row);
     // One transaction around several of the operations above.

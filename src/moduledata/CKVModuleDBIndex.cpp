@@ -284,6 +284,34 @@ bool CKVModuleDB::WriteRawModule(const QString& table, const ModDB::ModSpecData&
     return true;
 }
 
+bool CKVModuleDB::ReplaceRawRows(const QString& table, const QString& catalog,
+                                 const QList<ModDB::ModTermData>& rows) {
+    ZelPlcDbIO* store = Store();
+    bool exists = false;
+    if (store == nullptr || !store->DoesSpecDataExist(table, catalog, exists) || !exists) {
+        if (store != nullptr && !exists) {
+            m_nError = kErrNoTableOrCatalog;
+        }
+        return false;
+    }
+    QList<ModDB::ModTermData> numbered = rows;
+    for (qsizetype i = 0; i < numbered.size(); ++i) {
+        numbered[i].Code = catalog;
+        numbered[i].Number = qint32(i + 1);
+    }
+    if (!store->BeginTransaction()) {
+        return false;
+    }
+    const QString termTable = TermTable(table);
+    const bool written = store->RemoveModTermData(termTable, catalog, -1, -1) &&
+                         (numbered.isEmpty() || store->AddModTermData(termTable, numbered));
+    if (!written || !store->CommitTransaction()) {
+        store->RollbackTransaction();
+        return false;
+    }
+    return true;
+}
+
 bool CKVModuleDB::GetPromptRows(QList<ModDB::PromptData>& rows) {
     rows.clear();
     ZelPlcDbIO* store = Store();

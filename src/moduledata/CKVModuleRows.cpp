@@ -217,6 +217,19 @@ QString CKVModule::PairForm(const QString& token) {
 int CKVModule::PromptNumber(const QString& form) {
     return ::PromptNumber(form);
 }
+QStringList CKVModule::Tokens(const QString& special) {
+    return AllTokens(special);
+}
+
+bool CKVModule::IsFlagToken(const QString& token) {
+    const QString form = ::FlagForm(token);
+    for (const QString* flag : {&kBreak, &kInclude, &kExclude, &kAddrIn, &kAddrOut}) {
+        if (SameText(form, *flag)) {
+            return true;
+        }
+    }
+    return form.contains(kSpacingValue);
+}
 
 void CKVModule::SetTermRow(int row, const QString& joined) {
     if (joined.isNull() || row < 1) {

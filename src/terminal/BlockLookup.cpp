@@ -5,6 +5,7 @@
 
 void BlockLookup::Rebuild(const CBlockDescEx* blocks) {
     m_indexes.clear();
+    m_byDescription.clear();
     m_moduleForms.clear();
     m_descriptions.clear();
     if (!blocks) {
@@ -17,6 +18,10 @@ void BlockLookup::Rebuild(const CBlockDescEx* blocks) {
         if (!m_indexes.contains(key)) {
             m_indexes.insert(key, index);
         }
+        const QString description = Key(block.strDescription);
+        if (!m_byDescription.contains(description)) {
+            m_byDescription.insert(description, index);
+        }
         m_moduleForms.append(BlockNames::ModuleForm(block.strBlockFile));
         m_descriptions.append(block.strDescription);
     }
@@ -27,4 +32,11 @@ int BlockLookup::Find(const QString& stored) const {
         return -1;
     }
     return m_indexes.value(Key(stored), -1);
+}
+
+int BlockLookup::FindDescription(const QString& description) const {
+    if (description.isNull()) {
+        return -1;
+    }
+    return m_byDescription.value(Key(description), -1);
 }

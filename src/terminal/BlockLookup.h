@@ -15,6 +15,9 @@ public:
     void Rebuild(const CBlockDescEx* blocks);
     // One-based block index, -1 when no block has that name.
     int Find(const QString& stored) const;
+    // One-based index of the first block with that description, case ignored, as
+    // CBlockDescEx::FindBlock(description, 2) answers; -1 when none has it.
+    int FindDescription(const QString& description) const;
     // The module form of block index's file; empty outside the list.
     QString ModuleForm(int index) const { return m_moduleForms.value(index - 1); }
     // The descriptions in list order: the choices of the terminal column.
@@ -24,6 +27,7 @@ private:
     static QString Key(const QString& name) { return name.toCaseFolded(); }
 
     QHash<QString, int> m_indexes;
+    QHash<QString, int> m_byDescription;
     QStringList m_moduleForms;
     QStringList m_descriptions;
 };

@@ -6,7 +6,6 @@
 #include "HostBridge.h"
 #include "Messages.h"
 #include "ResourceLibrary.h"
-#include "TermChoices.h"
 #include "TermGridFill.h"
 #include "TermRowsCommand.h"
 
@@ -19,11 +18,6 @@
 
 namespace {
 
-constexpr int kHeaderTerminal = 4013;
-constexpr int kHeaderShow = 4014;
-constexpr int kHeaderRePrompt = 4016;
-constexpr int kHeaderBreak = 4018;
-constexpr int kHeaderSpacing = 4019;
 constexpr int kMsgUnknownBlock = 10058;
 constexpr int kCaptionUnknownBlock = 10059;
 
@@ -60,10 +54,10 @@ bool CTermGridWnd::HasModule() const {
 
 void CTermGridWnd::Initialize() {
     SetMinimumTrackSize(kMinimumTrack, kMinimumTrack);
-    m_model->SetTexts(
-        {LoadResString(kHeaderTerminal), LoadResString(kHeaderShow), LoadResString(kHeaderRePrompt),
-         LoadResString(kHeaderBreak), LoadResString(kHeaderSpacing)},
-        TermChoices::Lines(TermChoices::kShow), TermChoices::Lines(TermChoices::kRePrompt));
+    TermColumns texts;
+    texts.LoadTexts();
+    m_model->SetTexts(texts.Headers(), texts.Choices(TermColumns::Show),
+                      texts.Choices(TermColumns::RePrompt));
     SetUndoEnabled(false);
     m_model->ShowRows(0);
     SetLayoutKey(kLayoutKey, kHeaderHeightOffset);

@@ -1,14 +1,8 @@
 #include "TermGridModel.h"
 
-#include "BlockNames.h"
 #include "CBlockDescEx.h"
-#include "CrtNumbers.h"
-#include "HostBridge.h"
-#include "ZelUtils.h"
 
 namespace {
-
-constexpr int kSpacingDecimals = 4;
 
 QString EmptyIfNull(const QString& text) {
     return text.isNull() ? QStringLiteral("") : text;
@@ -16,15 +10,15 @@ QString EmptyIfNull(const QString& text) {
 
 }  // namespace
 
-TermGridModel::TermGridModel(QObject* parent) : GridModel(parent) {}
+TermGridModel::TermGridModel(QObject* parent) : GridModel(parent) {
+    m_columns.SetBlocks(&m_lookup);
+}
 
 TermGridModel::~TermGridModel() = default;
 
 void TermGridModel::SetTexts(const QStringList& headers, const QStringList& showChoices,
                              const QStringList& rePromptChoices) {
-    m_headers = headers;
-    m_showChoices = showChoices;
-    m_rePromptChoices = rePromptChoices;
+    m_columns.SetTexts(headers, showChoices, rePromptChoices);
     emit headerDataChanged(Qt::Horizontal, 0, ColumnCount - 1);
 }
 
@@ -35,7 +29,6 @@ void TermGridModel::SetBlockDesc(CBlockDescEx* blocks) {
 
 void TermGridModel::RefreshBlocks() {
     m_lookup.Rebuild(m_pBlockDesc);
-    m_termChoices = m_lookup.Descriptions();
 }
 
 void TermGridModel::ShowRows(int count) {
@@ -67,90 +60,20 @@ void TermGridModel::WriteBackRow(int row, int blockIndex) {
     }
 }
 
-QString TermGridModel::SpacingText(double value) {
-    if (value == -1.0) {
-        return {};
-    }
-    QString text;
-    RealToText(value, text, kSpacingDecimals);
-    const QString separator = GetLocaleDecimalSep();
-    if (!separator.isEmpty() && separator != QLatin1String(".")) {
-        text.replace(u'.', separator);
-    }
-    return text;
-}
-
-double TermGridModel::SpacingValue(const QString& text) {
-    if (text.isEmpty()) {
-        return -1.0;
-    }
-    QString number = text;
-    const QString separator = GetLocaleDecimalSep();
-    if (!separator.isEmpty() && separator != QLatin1String(".")) {
-        number.replace(separator, QStringLiteral("."));
-    }
-    return crt::wtof(number);
-}
-
 QString TermGridModel::CellValue(int row, int col) const {
     const CKVModule* module = Module();
-    if (!module || row < 1 || row > m_nRows || row > module->GetTermCount()) {
+    if (!module || row < 1 || row > m_nRows) {
         return {};
     }
-    switch (col) {
-        case ColumnTerminal: {
-            const int index = BlockIndexOf(row);
-            return index < 1 ? QString() : QString::number(index);
-        }
-        case ColumnShow:
-            return QString::number(module->GetIncludeExclude(row));
-        case ColumnRePrompt:
-            return QString::number(module->GetAddrFlags(row));
-        case ColumnBreak:
-            return module->GetBreak(row) ? QStringLiteral("1") : QStringLiteral("0");
-        case ColumnSpacing:
-            return SpacingText(module->GetSpacingFactor(row));
-        default:
-            return {};
-    }
+    return m_columns.Value(*module, row, col);
 }
 
 bool TermGridModel::StoreValue(int row, int col, const QString& value) {
     CKVModule* module = Module();
-    if (!module || row < 1 || row > m_nRows || row > module->GetTermCount()) {
+    if (!module || row < 1 || row > m_nRows) {
         return false;
     }
-    switch (col) {
-        case ColumnTerminal: {
-            _termblock block;
-            if (!m_pBlockDesc || !m_pBlockDesc->GetBlockAt(int(crt::wtol(value)), block)) {
-                return false;
-            }
-            module->SetTermText(row, BlockNames::ModuleForm(block.strBlockFile));
-            return true;
-        }
-        case ColumnShow:
-        case ColumnRePrompt: {
-            const QString flags = value.trimmed();
-            if (flags.isEmpty()) {
-                return false;
-            }
-            if (col == ColumnShow) {
-                module->SetIncludeExclude(row, crt::wtoi(flags));
-            } else {
-                module->SetAddrFlags(row, crt::wtoi(flags));
-            }
-            return true;
-        }
-        case ColumnBreak:
-            module->SetBreak(row, crt::wtoi(value) == 1);
-            return true;
-        case ColumnSpacing:
-            module->SetSpacingFactor(row, SpacingValue(value));
-            return true;
-        default:
-            return false;
-    }
+    return m_columns.StoreValue(*module, row, col, value);
 }
 
 GridModel::ColumnKind TermGridModel::Kind(int col) const {
@@ -170,27 +93,22 @@ GridModel::ColumnKind TermGridModel::Kind(int col) const {
 QStringList TermGridModel::Choices(int col) const {
     switch (col) {
         case ColumnTerminal:
-            return m_termChoices;
-        case ColumnShow:
-            return m_showChoices;
-        case ColumnRePrompt:
-            return m_rePromptChoices;
+            return m_lookup.Descriptions();
         default:
-            return {};
+            return m_columns.Choices(col);
     }
 }
 
 QString TermGridModel::ColumnHeader(int col) const {
-    return m_headers.value(col - 1);
+    return m_columns.Header(col);
 }
 
 QString TermGridModel::DisplayText(int row, int col) const {
-    if (col == ColumnTerminal && BlockIndexOf(row) < 1) {
-        // A name the list does not know shows as it is stored.
-        const CKVModule* module = Module();
-        return module ? module->GetTermText(row) : QString();
+    const CKVModule* module = Module();
+    if (!module || row < 1 || row > m_nRows) {
+        return {};
     }
-    return GridModel::DisplayText(row, col);
+    return m_columns.Text(*module, row, col);
 }
 
 _termvalues TermGridModel::RowValues(int row) const {

@@ -3,6 +3,7 @@
 #include "GridModel.h"
 
 #include "BlockLookup.h"
+#include "TermColumns.h"
 
 #include "CKVModule.h"
 
@@ -61,10 +62,6 @@ public:
     // columns show what the row holds and are not written back: a spacing keeps the
     // decimals that the cell does not show until the user edits it.
     void WriteBackRow(int row, int blockIndex);
-    // Spacing as a cell shows it: four decimals in the locale's separator, empty unset.
-    static QString SpacingText(double value);
-    // The other way: the locale's separator read as ".", empty gives -1.0 (unset).
-    static double SpacingValue(const QString& text);
 
     // Whole rows, for undo: what a row holds, putting it back, and adding and removing
     // module rows together with grid rows.
@@ -78,9 +75,7 @@ private:
     ModuleSource m_source;
     CBlockDescEx* m_pBlockDesc = nullptr;
     BlockLookup m_lookup;
+    // How each column is made and read, as the rows' CSV form makes and reads them.
+    TermColumns m_columns;
     int m_nRows = 0;
-    QStringList m_headers;
-    QStringList m_termChoices;
-    QStringList m_showChoices;
-    QStringList m_rePromptChoices;
 };
