@@ -1,9 +1,8 @@
 #include "BlocksCommand.h"
 
 #include "BlockDefsTable.h"
-#include "BlockSettingsFolder.h"
 #include "CBlockDescEx.h"
-#include "CatalogLookup.h"
+#include "CliBlockList.h"
 #include "CliFailure.h"
 #include "CliOptions.h"
 #include "DatabaseSession.h"
@@ -251,17 +250,13 @@ bool OpenDatabase(const CliOptions& options, std::unique_ptr<DatabaseSession>& d
 // The module that merge names, as the module tree finds it (names without regard to
 // case); answers 0 or the exit status of a failure already reported.
 int FindMergedModule(DatabaseSession& database, const BlocksOptions& blocks, CatalogPath& path) {
-    if (FindCatalog(database.db(), blocks.value("--manufacturer"), blocks.value("--series"),
-                    blocks.value("--type"), blocks.value("--catalog"), path)) {
+    QString error;
+    if (database.findCatalog(blocks.value("--manufacturer"), blocks.value("--series"),
+                             blocks.value("--type"), blocks.value("--catalog"), path,
+                             error) == DatabaseSession::Found::Yes) {
         return 0;
     }
-    if (!database.db().GetLastFailure().isEmpty()) {
-        return Fail(database.readFailure(), kFailed);
-    }
-    return Fail(QStringLiteral("no catalog %1 under %2 / %3 / %4")
-                    .arg(blocks.value("--catalog"), blocks.value("--manufacturer"),
-                         blocks.value("--series"), blocks.value("--type")),
-                kFailed);
+    return Fail(error, kFailed);
 }
 
 // Merge: the rows the module adds get --category and their block file as description,
@@ -360,53 +355,32 @@ int RunBlocks(const CliOptions& options, const BlocksOptions& blocks) {
     if (!started) {
         return Fail(error, kFailed);
     }
-    const QString folder = FindBlocksFolder(blocks.folder);
-    if (folder.isEmpty()) {
-        return Fail(QStringLiteral("no %1 in the folder of GBL_kv_DocSetBase or on the support "
-                                   "path; give its folder with --dir FOLDER")
-                        .arg(QLatin1String(CTermBlockSettings::kFileName)),
-                    kFailed);
-    }
-    const QString shown = blocks.folder.isEmpty() ? folder : blocks.folder;
-    if (!QFileInfo(QDir(folder), QLatin1String(CTermBlockSettings::kFileName)).isFile()) {
-        return Fail(QStringLiteral("the folder %1 has no %2")
-                        .arg(shown, QLatin1String(CTermBlockSettings::kFileName)),
-                    kFailed);
+    const CliBlockList found(blocks.folder);
+    if (!found.HasFile(error)) {
+        return Fail(error, kFailed);
     }
     if (blocks.changes()) {
-        if (const int status = ChangeBlocks(folder, shown, blocks, database.get()); status != 0) {
+        const int status = ChangeBlocks(found.Folder(), found.Shown(), blocks, database.get());
+        if (status != 0) {
             return status;
         }
     }
     // Read again after a change, so that the attributes of new drawings are in the list.
-    CTermBlockSettings settings;
-    settings.SetDirectory(folder);
     TermBlockList list;
-    if (!settings.Read(list)) {
-        return Fail(QStringLiteral("cannot read %1 in %2 (it must be readable and writable)")
-                        .arg(QLatin1String(CTermBlockSettings::kFileName), shown),
-                    kFailed);
+    if (!found.Read(list, error)) {
+        return Fail(error, kFailed);
     }
     CBlockDescEx desc;
     desc.SetBlocks(list);
     const QString answer = blocks.finding
                                ? QString::number(desc.FindBlock(blocks.find, blocks.mode))
-                               : ListJson(folder, list);
+                               : ListJson(found.Folder(), list);
     std::fputs(answer.toUtf8().constData(), stdout);
     std::fputc('\n', stdout);
     return 0;
 }
 
 }  // namespace
-
-QString FindBlocksFolder(const QString& folder) {
-    for (const char* name : {"kv_fio_does_file_exist", "kv_fio_does_file_exist_error",
-                             "kv_fio_does_block_exist_disk", "zel_get_var"}) {
-        DeclareLispFunction(QString::fromLatin1(name));
-    }
-    return folder.isEmpty() ? BlockSettingsFolder::Find(false)
-                            : QDir::toNativeSeparators(CliOptions::FullPath(folder));
-}
 
 int RunBlocksCommand(const CliOptions& options) {
     BlocksOptions blocks;

@@ -9,8 +9,3 @@ struct CliOptions;
 // (mode 1) or description (mode 2), -1 when none. Answers 0, 1 when the settings file
 // is missing or unreadable, 2 for a wrong call.
 int RunBlocksCommand(const CliOptions& options);
-
-// The folder of the terminal block settings file as plcdb blocks finds it, with the host
-// running: folder when given (relative to the current folder), else the editor's. Native
-// separators; empty when there is none.
-QString FindBlocksFolder(const QString& folder);

@@ -1,9 +1,8 @@
 #include "CheckCommand.h"
 
-#include "BlocksCommand.h"
 #include "CBlockDescEx.h"
-#include "CTermBlockSettings.h"
 #include "CatalogCheck.h"
+#include "CliBlockList.h"
 #include "CliFailure.h"
 #include "CliOptions.h"
 #include "DatabaseSession.h"
@@ -47,29 +46,17 @@ bool ParseCheckOptions(const QStringList& args, CheckOptions& out, QString& erro
     return true;
 }
 
-// The block list of folder into blocks; without a folder there is none to read. The
-// path of its settings file goes to file, null when there is no list.
+// The block list where one is found; without a folder there is none to read, and the
+// path of its settings file stays null.
 bool ReadBlockList(const CheckOptions& check, CBlockDescEx& blocks, QString& file, QString& error) {
-    const QString folder = FindBlocksFolder(check.blocksFolder);
-    if (folder.isEmpty()) {
+    const CliBlockList list(check.blocksFolder);
+    if (!list.HasFolder()) {
         return true;
     }
-    const QString shown = check.blocksFolder.isEmpty() ? folder : check.blocksFolder;
-    const QString name = QLatin1String(CTermBlockSettings::kFileName);
-    CTermBlockSettings settings;
-    settings.SetDirectory(folder);
-    TermBlockList list;
-    if (!QFileInfo(QDir(folder), name).isFile()) {
-        error = QStringLiteral("the folder %1 has no %2").arg(shown, name);
+    if (!list.Read(blocks, error)) {
         return false;
     }
-    if (!settings.Read(list)) {
-        error = QStringLiteral("cannot read %1 in %2 (it must be readable and writable)")
-                    .arg(name, shown);
-        return false;
-    }
-    blocks.SetBlocks(list);
-    file = QDir(folder).filePath(name);
+    file = list.FilePath();
     return true;
 }
 

@@ -57,3 +57,20 @@ QString DatabaseSession::readFailure() const {
 QString DatabaseSession::writeFailure() const {
     return QStringLiteral("cannot write to the database %1: %2").arg(m_name, m_db.GetLastFailure());
 }
+
+DatabaseSession::Found DatabaseSession::findCatalog(const QString& manufacturer,
+                                                    const QString& series, const QString& type,
+                                                    const QString& catalog, CatalogPath& path,
+                                                    QString& error) {
+    if (FindCatalog(m_db, manufacturer, series, type, catalog, path)) {
+        return Found::Yes;
+    }
+    // A store that failed while looking is not an absent catalog.
+    if (!m_db.GetLastFailure().isEmpty()) {
+        error = readFailure();
+        return Found::StoreFailed;
+    }
+    error =
+        QStringLiteral("no catalog %1 under %2 / %3 / %4").arg(catalog, manufacturer, series, type);
+    return Found::Missing;
+}

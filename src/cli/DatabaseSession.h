@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CKVModuleDB.h"
+#include "CatalogLookup.h"
 #include "HostSession.h"
 #include "ZelPlcDbIO.h"
 
@@ -27,6 +28,12 @@ public:
     // The store's reason for the last failure, naming the file as the user gave it.
     QString readFailure() const;
     QString writeFailure() const;
+
+    // The catalog as the module tree finds it. Otherwise error tells why: the store's
+    // failure while looking (StoreFailed), or that there is no such catalog (Missing).
+    enum class Found { Yes, Missing, StoreFailed };
+    Found findCatalog(const QString& manufacturer, const QString& series, const QString& type,
+                      const QString& catalog, CatalogPath& path, QString& error);
 
 private:
     ZelPlcDbIO m_store;

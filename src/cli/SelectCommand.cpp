@@ -1,7 +1,6 @@
 #include "SelectCommand.h"
 
 #include "CKVModuleDB.h"
-#include "CatalogLookup.h"
 #include "CliFailure.h"
 #include "CliOptions.h"
 #include "CrtNumbers.h"
@@ -109,15 +108,9 @@ int SelectWithoutDialog(const CliOptions& options, const SelectOptions& select) 
         return Fail(error, kCancelled);
     }
     CatalogPath path;
-    if (!FindCatalog(session.db(), select.manufacturer, select.series, select.type, select.catalog,
-                     path)) {
-        // A store that failed while looking is not an absent catalog.
-        if (!session.db().GetLastFailure().isEmpty()) {
-            return Fail(session.readFailure(), kCancelled);
-        }
-        return Fail(QStringLiteral("no catalog %1 under %2 / %3 / %4")
-                        .arg(select.catalog, select.manufacturer, select.series, select.type),
-                    kCancelled);
+    if (session.findCatalog(select.manufacturer, select.series, select.type, select.catalog, path,
+                            error) != DatabaseSession::Found::Yes) {
+        return Fail(error, kCancelled);
     }
     const int handle = session.db().LoadModule(path.table, path.catalog, false);
     if (handle == -1) {

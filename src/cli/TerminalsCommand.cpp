@@ -1,9 +1,8 @@
 #include "TerminalsCommand.h"
 
 #include "BlockLookup.h"
-#include "BlockSettingsFolder.h"
 #include "CBlockDescEx.h"
-#include "CatalogLookup.h"
+#include "CliBlockList.h"
 #include "CliFailure.h"
 #include "CliOptions.h"
 #include "DataCommands.h"
@@ -85,43 +84,22 @@ bool ParseTerminalsOptions(const QStringList& args, TerminalsOptions& out, QStri
 
 // The block list as "plcdb blocks" reads it; 0, or the exit status of a failure reported.
 int ReadBlocks(const TerminalsOptions& terminals, CBlockDescEx& blocks) {
-    for (const char* name : {"kv_fio_does_file_exist", "kv_fio_does_file_exist_error",
-                             "kv_fio_does_block_exist_disk", "zel_get_var"}) {
-        DeclareLispFunction(QString::fromLatin1(name));
+    QString error;
+    if (!CliBlockList(terminals.folder).Read(blocks, error)) {
+        return Fail(error, kFailed);
     }
-    const QString folder = terminals.folder.isEmpty()
-                               ? BlockSettingsFolder::Find(false)
-                               : QDir::toNativeSeparators(CliOptions::FullPath(terminals.folder));
-    const QString file = QLatin1String(CTermBlockSettings::kFileName);
-    if (folder.isEmpty()) {
-        return Fail(QStringLiteral("no %1 in the folder of GBL_kv_DocSetBase or on the support "
-                                   "path; give its folder with --dir FOLDER")
-                        .arg(file),
-                    kFailed);
-    }
-    const QString shown = terminals.folder.isEmpty() ? folder : terminals.folder;
-    CTermBlockSettings settings;
-    settings.SetDirectory(folder);
-    TermBlockList list;
-    if (!QFileInfo(QDir(folder), file).isFile() || !settings.Read(list)) {
-        return Fail(QStringLiteral("cannot read %1 in %2").arg(file, shown), kFailed);
-    }
-    blocks.SetBlocks(list);
     return 0;
 }
 
 // The module's rows as stored, and as the module holds them when loaded.
 int ReadModule(DatabaseSession& database, const TerminalsOptions& terminals, CatalogPath& path,
                QList<ModDB::ModTermData>& stored, CKVModule& module) {
-    if (!FindCatalog(database.db(), terminals.value("--manufacturer"), terminals.value("--series"),
-                     terminals.value("--type"), terminals.value("--catalog"), path)) {
-        if (!database.db().GetLastFailure().isEmpty()) {
-            return Fail(database.readFailure(), kFailed);
-        }
-        return Fail(QStringLiteral("no catalog %1 under %2 / %3 / %4")
-                        .arg(terminals.value("--catalog"), terminals.value("--manufacturer"),
-                             terminals.value("--series"), terminals.value("--type")),
-                    kUsage);
+    QString error;
+    const DatabaseSession::Found found =
+        database.findCatalog(terminals.value("--manufacturer"), terminals.value("--series"),
+                             terminals.value("--type"), terminals.value("--catalog"), path, error);
+    if (found != DatabaseSession::Found::Yes) {
+        return Fail(error, found == DatabaseSession::Found::Missing ? kUsage : kFailed);
     }
     ModDB::ModSpecData spec;
     if (!database.db().ReadRawModule(path.table, path.catalog, spec, stored)) {
