@@ -30,63 +30,32 @@ QByteArray Entities(const Pairs& body, const char* eol = "\n") {
     return Join(pairs, eol);
 }
 
-const Pairs kLine{{0, "LINE"}, {8, "0"},  {10, "1.5"}, {20, "2"},
-                  {30, "0"},   {11, "4"}, {21, "6"},   {31, "0"}};
+// Groups written as "code value code value ...", for values without blanks.
+Pairs Groups(const char* text) {
+    const QList<QByteArray> tokens = QByteArray(text).simplified().split(' ');
+    Pairs pairs;
+    for (qsizetype i = 0; i + 1 < tokens.size(); i += 2) {
+        pairs.emplace_back(tokens[i].toInt(), tokens[i + 1]);
+    }
+    return pairs;
+}
+
+const Pairs kLine = Groups("0 LINE 8 0 10 1.5 20 2 30 0 11 4 21 6 31 0");
+
+Pairs operator+(Pairs first, const Pairs& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
 
 TEST(DxfReaderTest, ReadsEachEntityKind) {
-    Pairs body = kLine;
-    body.insert(body.end(), {{0, "ARC"},
-                             {10, "1"},
-                             {20, "1"},
-                             {40, "2"},
-                             {50, "90"},
-                             {51, "180"},
-                             {0, "CIRCLE"},
-                             {10, "-3"},
-                             {20, "0.5"},
-                             {40, "1.25"},
-                             {0, "LWPOLYLINE"},
-                             {90, "3"},
-                             {70, "1"},
-                             {10, "0"},
-                             {20, "0"},
-                             {10, "5"},
-                             {20, "0"},
-                             {42, "0.5"},
-                             {10, "5"},
-                             {20, "5"},
-                             {0, "POLYLINE"},
-                             {66, "1"},
-                             {70, "0"},
-                             {0, "VERTEX"},
-                             {10, "1"},
-                             {20, "2"},
-                             {0, "VERTEX"},
-                             {10, "3"},
-                             {20, "4"},
-                             {0, "SEQEND"},
-                             {0, "TEXT"},
-                             {10, "2"},
-                             {20, "3"},
-                             {40, "0.5"},
-                             {50, "90"},
-                             {1, "K1"},
-                             {0, "MTEXT"},
-                             {10, "0"},
-                             {20, "9"},
-                             {40, "1"},
-                             {11, "0"},
-                             {21, "1"},
-                             {3, "{\\fArial|b1;Top}\\P"},
-                             {1, "\\H2x;Bottom"},
-                             {0, "ATTDEF"},
-                             {10, "7"},
-                             {20, "8"},
-                             {40, "0.25"},
-                             {1, "24V"},
-                             {2, "VOLT"},
-                             {3, "Voltage?"},
-                             {70, "8"}});
+    const Pairs body =
+        kLine + Groups(
+                    "0 ARC 10 1 20 1 40 2 50 90 51 180 0 CIRCLE 10 -3 20 0.5 40 1.25 "
+                    "0 LWPOLYLINE 90 3 70 1 10 0 20 0 10 5 20 0 42 0.5 10 5 20 5 "
+                    "0 POLYLINE 66 1 70 0 0 VERTEX 10 1 20 2 0 VERTEX 10 3 20 4 0 SEQEND "
+                    "0 TEXT 10 2 20 3 40 0.5 50 90 1 K1 "
+                    "0 MTEXT 10 0 20 9 40 1 11 0 21 1 3 {\\fArial|b1;Top}\\P 1 \\H2x;Bottom "
+                    "0 ATTDEF 10 7 20 8 40 0.25 1 24V 2 VOLT 3 Voltage? 70 8");
     DxfDrawing drawing;
     QString error;
     ASSERT_TRUE(DxfReader::ReadText(Entities(body), drawing, &error)) << error.toStdString();
@@ -130,53 +99,20 @@ TEST(DxfReaderTest, ReadsEveryLayoutOfTheSameDrawing) {
     const Case cases[] = {
         {"LF", Entities(kLine)},
         {"CRLF", Entities(kLine, "\r\n")},
-        {"lower-case names, padded codes", Join({{0, "section"},
-                                                 {2, "entities"},
-                                                 {0, "line"},
-                                                 {10, "1.5"},
-                                                 {20, "2"},
-                                                 {11, "4"},
-                                                 {21, "6"},
-                                                 {0, "endsec"},
-                                                 {0, "eof"}})
-                                               .replace("\n0\n", "\n  0\n")},
+        {"lower-case names, padded codes",
+         Join(Groups("0 section 2 entities 0 line 10 1.5 20 2 11 4 21 6 0 endsec 0 eof"))
+             .replace("\n0\n", "\n  0\n")},
         {"byte order mark, no EOF after the last section",
-         "\xEF\xBB\xBF" + Join({{0, "SECTION"}, {2, "ENTITIES"}}) + Join(kLine) +
-             Join({{0, "ENDSEC"}})},
-        {"in a block, after a header", Join({{999, "written by hand"},
-                                             {0, "SECTION"},
-                                             {2, "HEADER"},
-                                             {9, "$INSUNITS"},
-                                             {70, "4"},
-                                             {0, "ENDSEC"},
-                                             {0, "SECTION"},
-                                             {2, "BLOCKS"},
-                                             {0, "BLOCK"},
-                                             {2, "TB1"},
-                                             {10, "0"},
-                                             {20, "0"}}) +
-                                           Join(kLine) +
-                                           Join({{0, "ENDBLK"}, {0, "ENDSEC"}, {0, "EOF"}})},
-        {"odd groups and unknown entities", Entities({{0, "INSERT"},
-                                                      {2, "TB1"},
-                                                      {10, "9"},
-                                                      {20, "9"},
-                                                      {0, "LINE"},
-                                                      {5, "2F"},
-                                                      {102, "{APP_REACTORS"},
-                                                      {330, "1A"},
-                                                      {102, "}"},
-                                                      {100, "AcDbEntity"},
-                                                      {999, "a comment"},
-                                                      {10, "1.5"},
-                                                      {20, "2"},
-                                                      {11, "4"},
-                                                      {21, "6"},
-                                                      {1001, "APP"},
-                                                      {1000, "x"},
-                                                      {1040, "1e300"},
-                                                      {0, "HATCH"},
-                                                      {91, "0"}})},
+         "\xEF\xBB\xBF" + Join(Groups("0 SECTION 2 ENTITIES") + kLine + Groups("0 ENDSEC"))},
+        {"in a block, after a header", Join(Pairs{{999, "written by hand"}} +
+                                            Groups("0 SECTION 2 HEADER 9 $INSUNITS 70 4 0 ENDSEC "
+                                                   "0 SECTION 2 BLOCKS 0 BLOCK 2 TB1 10 0 20 0") +
+                                            kLine + Groups("0 ENDBLK 0 ENDSEC 0 EOF"))},
+        {"odd groups and unknown entities",
+         Entities(Groups("0 INSERT 2 TB1 10 9 20 9 0 LINE 5 2F 102 {APP_REACTORS 330 1A 102 } "
+                         "100 AcDbEntity") +
+                  Pairs{{999, "a comment"}} +
+                  Groups("10 1.5 20 2 11 4 21 6 1001 APP 1000 x 1040 1e300 0 HATCH 91 0"))},
     };
     for (const Case& c : cases) {
         DxfDrawing drawing;
@@ -275,46 +211,34 @@ TEST(DxfReaderTest, ManyEntitiesAcrossTheReadChunksComeWhole) {
     }
 }
 
-TEST(DxfReaderTest, DecodesTextValues) {
+// Plain text decodes its encodings and codes; paragraph text also drops its formatting.
+TEST(DxfReaderTest, DecodesTextValuesAndStripsParagraphFormatting) {
     struct Case {
+        const char* entity;
         QByteArray value;
         QString text;
     };
     const Case cases[] = {
-        {"Schütz", QStringLiteral("Sch\u00fctz")},
-        {"Sch\xfctz", QStringLiteral("Sch\u00fctz")},  // Latin-1
-        {"\\U+00FCber", QStringLiteral("\u00fcber")},
-        {"45%%d %%p0.1 %%c5 100%%% %%uUnder",
+        {"TEXT", "Schütz", QStringLiteral("Sch\u00fctz")},
+        {"TEXT", "Sch\xfctz", QStringLiteral("Sch\u00fctz")},  // Latin-1
+        {"TEXT", "\\U+00FCber", QStringLiteral("\u00fcber")},
+        {"TEXT", "45%%d %%p0.1 %%c5 100%%% %%uUnder",
          QStringLiteral("45\u00b0 \u00b10.1 \u23005 100% Under")},
+        {"MTEXT", "plain", QStringLiteral("plain")},
+        {"MTEXT", "one\\Ptwo", QStringLiteral("one\ntwo")},
+        {"MTEXT", "{\\C1;red} {\\LUnder\\l}", QStringLiteral("red Under")},
+        {"MTEXT", "\\A1;\\pxqc;\\W0.8;\\Q15;\\T1.1;x", QStringLiteral("x")},
+        {"MTEXT", "\\S1^2; in", QStringLiteral("1/2 in")},
+        {"MTEXT", "a\\~b \\\\ \\{c\\}", QStringLiteral("a b \\ {c}")},
+        {"MTEXT", "ends with \\", QStringLiteral("ends with \\")},
+        {"MTEXT", "\\Hunterminated", QStringLiteral("unterminated")},
     };
     for (const Case& c : cases) {
+        SCOPED_TRACE(c.value.toStdString());
         DxfDrawing drawing;
-        ASSERT_TRUE(DxfReader::ReadText(Entities({{0, "TEXT"}, {1, c.value}}), drawing, nullptr));
+        ASSERT_TRUE(DxfReader::ReadText(Entities({{0, c.entity}, {1, c.value}}), drawing, nullptr));
         ASSERT_EQ(drawing.texts.size(), 1);
-        EXPECT_EQ(drawing.texts[0].text, c.text) << c.value.toStdString();
-    }
-}
-
-TEST(DxfReaderTest, StripsParagraphFormatting) {
-    struct Case {
-        QByteArray value;
-        QString text;
-    };
-    const Case cases[] = {
-        {"plain", QStringLiteral("plain")},
-        {"one\\Ptwo", QStringLiteral("one\ntwo")},
-        {"{\\C1;red} {\\LUnder\\l}", QStringLiteral("red Under")},
-        {"\\A1;\\pxqc;\\W0.8;\\Q15;\\T1.1;x", QStringLiteral("x")},
-        {"\\S1^2; in", QStringLiteral("1/2 in")},
-        {"a\\~b \\\\ \\{c\\}", QStringLiteral("a b \\ {c}")},
-        {"ends with \\", QStringLiteral("ends with \\")},
-        {"\\Hunterminated", QStringLiteral("unterminated")},
-    };
-    for (const Case& c : cases) {
-        DxfDrawing drawing;
-        ASSERT_TRUE(DxfReader::ReadText(Entities({{0, "MTEXT"}, {1, c.value}}), drawing, nullptr));
-        ASSERT_EQ(drawing.texts.size(), 1);
-        EXPECT_EQ(drawing.texts[0].text, c.text) << c.value.toStdString();
+        EXPECT_EQ(drawing.texts[0].text, c.text);
     }
 }
 
@@ -335,14 +259,12 @@ TEST(DxfReaderTest, AttributePromptIgnoresTheEmbeddedObject) {
 }
 
 TEST(DxfReaderTest, AttributeTellsItsSpaceAndTextSettings) {
-    const Pairs blocks{
-        {0, "SECTION"}, {2, "BLOCKS"}, {0, "BLOCK"},  {2, "*Model_Space"}, {0, "ATTDEF"},
-        {2, "INMODEL"}, {0, "ENDBLK"}, {0, "BLOCK"},  {2, "*paper_space"}, {0, "ATTDEF"},
-        {2, "INPAPER"}, {0, "ENDBLK"}, {0, "BLOCK"},  {2, "TERMINAL"},     {0, "ATTDEF"},
-        {2, "INBLOCK"}, {0, "ENDBLK"}, {0, "ATTDEF"}, {2, "AFTERBLOCKS"},  {0, "ENDSEC"}};
-    const Pairs entities{{0, "ATTDEF"}, {67, "1"},    {2, "PAPER"}, {0, "ATTDEF"},
-                         {67, "0"},     {2, "MODEL"}, {30, "1.5"},  {41, "0.75"},
-                         {51, "12"},    {72, "4"},    {74, "3"}};
+    const Pairs blocks = Groups(
+        "0 SECTION 2 BLOCKS 0 BLOCK 2 *Model_Space 0 ATTDEF 2 INMODEL 0 ENDBLK "
+        "0 BLOCK 2 *paper_space 0 ATTDEF 2 INPAPER 0 ENDBLK 0 BLOCK 2 TERMINAL 0 ATTDEF "
+        "2 INBLOCK 0 ENDBLK 0 ATTDEF 2 AFTERBLOCKS 0 ENDSEC");
+    const Pairs entities =
+        Groups("0 ATTDEF 67 1 2 PAPER 0 ATTDEF 67 0 2 MODEL 30 1.5 41 0.75 51 12 72 4 74 3");
     DxfDrawing drawing;
     ASSERT_TRUE(DxfReader::ReadText(Join(blocks) + Entities(entities), drawing, nullptr));
     const std::pair<const char*, DxfSpace> expected[] = {
@@ -361,28 +283,23 @@ TEST(DxfReaderTest, AttributeTellsItsSpaceAndTextSettings) {
     EXPECT_DOUBLE_EQ(drawing.attributes[0].widthFactor, 1.0);  // the default when missing
 }
 
-TEST(DxfReaderTest, BoundsCoverWhatIsDrawn) {
+TEST(DxfReaderTest, BoundsCoverWhatIsDrawnAndArcsFollowTheirSweepAcrossZero) {
     DxfDrawing drawing;
     EXPECT_TRUE(drawing.bounds().isNull());
     drawing.lines.append({QPointF(0, 0), QPointF(10, 5)});
     drawing.arcs.append({QPointF(20, 0), 2.0, 0.0, 90.0});  // reaches (22, 0) and (20, 2)
     drawing.circles.append({QPointF(0, -4), 1.0});
     EXPECT_EQ(drawing.bounds(), QRectF(QPointF(-1, -5), QPointF(22, 5)));
-}
 
-TEST(DxfReaderTest, ArcBoundsFollowTheSweepAcrossZero) {
-    DxfDrawing drawing;
-    drawing.arcs.append({QPointF(0, 0), 1.0, 710.0, 10.0});  // 350 to 10 degrees
-    const QRectF bounds = drawing.bounds();
-    EXPECT_DOUBLE_EQ(bounds.right(), 1.0);
-    EXPECT_NEAR(bounds.left(), std::cos(qDegreesToRadians(10.0)), 1e-12);
+    DxfDrawing arc;
+    arc.arcs.append({QPointF(0, 0), 1.0, 710.0, 10.0});  // 350 to 10 degrees
+    EXPECT_DOUBLE_EQ(arc.bounds().right(), 1.0);
+    EXPECT_NEAR(arc.bounds().left(), std::cos(qDegreesToRadians(10.0)), 1e-12);
 }
 
 // Regression: a text cut anywhere must neither crash nor read beyond its end.
 TEST(DxfReaderTest, SurvivesBeingCutAtEveryByte) {
-    Pairs body = kLine;
-    body.insert(body.end(), {{0, "MTEXT"}, {1, "a\\Pb"}, {0, "LINE"}});
-    const QByteArray whole = Entities(body, "\r\n");
+    const QByteArray whole = Entities(kLine + Groups("0 MTEXT 1 a\\Pb 0 LINE"), "\r\n");
     qsizetype previous = 0;
     for (qsizetype size = 0; size < whole.size(); ++size) {
         DxfDrawing drawing;
