@@ -102,75 +102,55 @@ TEST_F(HostBridgeTest, LibraryPathsAreSplitTrimmedAndNative) {
     ASSERT_TRUE(GetLibraryPaths(list));
     EXPECT_EQ(list, QStringList({path("lib1"), path("lib2")}));
 
-    StandaloneHostConfig config;
-    config.kvLib = QStringLiteral("C:/a; C:/b;");
-    StandaloneHost host(config);
-    host.openDocument();
-    SetCurrentHost(&host);
-    DeclareLispFunction(QStringLiteral("zel_get_var"));
-    list.clear();
-    ASSERT_TRUE(GetLibraryPaths(list));
-    EXPECT_EQ(list, QStringList({NativePath("C:/a"), NativePath("C:/b")}));
-
-    config.kvLib = QString();
-    StandaloneHost unset(config);
-    unset.openDocument();
-    SetCurrentHost(&unset);
-    DeclareLispFunction(QStringLiteral("zel_get_var"));
-    list.clear();
-    EXPECT_FALSE(GetLibraryPaths(list));
-    EXPECT_TRUE(list.isEmpty());
+    for (const QString& kvLib : {QStringLiteral("C:/a; C:/b;"), QString()}) {
+        StandaloneHostConfig config;
+        config.kvLib = kvLib;
+        StandaloneHost host(config);
+        host.openDocument();
+        SetCurrentHost(&host);
+        DeclareLispFunction(QStringLiteral("zel_get_var"));
+        list.clear();
+        EXPECT_EQ(GetLibraryPaths(list), !kvLib.isEmpty());
+        EXPECT_EQ(list, kvLib.isEmpty() ? QStringList()
+                                        : QStringList({NativePath("C:/a"), NativePath("C:/b")}));
+    }
 }
 
+// The host placeholder searches quietly, and a placeholder that finds nothing lets the
+// search go on; the first entry that has the file wins.
 TEST_F(HostBridgeTest, SearchPathListFollowsFoldersAndBothPlaceholders) {
-    Touch(path("own/A.SHT"));
-    Touch(path("support/B.SHT"));
-    Touch(path("lib2/C.SHT"));
-    const QString hostPlaceholder = LoadResString(6000);
-    const QString libraryPlaceholder = LoadResString(6001);
-    ASSERT_TRUE(hostPlaceholder.startsWith(u'<'));
-    ASSERT_TRUE(libraryPlaceholder.startsWith(u'<'));
-    const QStringList list = {QStringLiteral("<other>"), path("own"),
-                              QStringLiteral("  ") + hostPlaceholder.toUpper(),
-                              libraryPlaceholder.toLower()};
-    QString out;
-    EXPECT_TRUE(SearchPathList(QStringLiteral("A.SHT"), out, list));
-    EXPECT_EQ(out, path("own/A.SHT"));
-    EXPECT_TRUE(SearchPathList(QStringLiteral("B.SHT"), out, list));
-    EXPECT_EQ(out, path("support/B.SHT"));
-    EXPECT_TRUE(SearchPathList(QStringLiteral("C.SHT"), out, list));
-    EXPECT_EQ(out, path("lib2/C.SHT"));
-    out = QStringLiteral("before");
-    EXPECT_FALSE(SearchPathList(QStringLiteral("D.SHT"), out, list));
-    EXPECT_FALSE(SearchPathList(QString(), out, list));
-    EXPECT_EQ(out, QStringLiteral("before"));
-    // The host placeholder searches quietly.
-    EXPECT_TRUE(m_reports.isEmpty());
-}
-
-TEST_F(HostBridgeTest, APlaceholderThatFindsNothingLetsTheSearchGoOn) {
-    Touch(path("own/A.SHT"));
-    Touch(path("own/C.SHT"));
-    Touch(path("lib1/C.SHT"));
+    for (const char* file :
+         {"own/A.SHT", "own/C.SHT", "support/B.SHT", "lib1/C.SHT", "lib2/E.SHT"}) {
+        Touch(path(file));
+    }
     const QString host = LoadResString(6000);
     const QString library = LoadResString(6001);
+    ASSERT_TRUE(host.startsWith(u'<'));
+    ASSERT_TRUE(library.startsWith(u'<'));
+    const QStringList mixed = {"<other>", path("own"), "  " + host.toUpper(), library.toLower()};
     const struct {
         QStringList list;
         QString name;
-        QString found;
+        QString found;  // empty: not found, and the path given stays
     } cases[] = {
+        {mixed, "A.SHT", path("own/A.SHT")},
+        {mixed, "B.SHT", path("support/B.SHT")},
+        {mixed, "E.SHT", path("lib2/E.SHT")},
+        {mixed, "D.SHT", ""},
+        {mixed, "", ""},
         {{library, path("own")}, "A.SHT", path("own/A.SHT")},
         {{host, path("own")}, "A.SHT", path("own/A.SHT")},
         {{library, host, "<other>", path("none"), path("own")}, "A.SHT", path("own/A.SHT")},
-        // The first entry that has the file wins.
         {{library, path("own")}, "C.SHT", path("lib1/C.SHT")},
         {{path("own"), library}, "C.SHT", path("own/C.SHT")},
     };
     for (const auto& c : cases) {
-        QString out;
-        EXPECT_TRUE(SearchPathList(c.name, out, c.list)) << c.list.join(u'|').toStdString();
-        EXPECT_EQ(out, c.found) << c.list.join(u'|').toStdString();
+        SCOPED_TRACE(qPrintable(c.name + u' ' + c.list.join(u'|')));
+        QString out = QStringLiteral("before");
+        EXPECT_EQ(SearchPathList(c.name, out, c.list), !c.found.isEmpty());
+        EXPECT_EQ(out, c.found.isEmpty() ? QStringLiteral("before") : c.found);
     }
+    EXPECT_TRUE(m_reports.isEmpty());
 }
 
 TEST_F(HostBridgeTest, MessagesAreTranslatedByKey) {
