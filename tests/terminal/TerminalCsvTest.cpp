@@ -19,24 +19,20 @@ TEST(TerminalCsv, FieldsAreQuotedAsRfc4180AsksAndSplitBackAsWritten) {
         {"cr\r", "\"cr\r\""},
         {"lf\n", "\"lf\n\""},
     };
+    QList<QStringList> records;
+    int record = -1;
+    int field = -1;
+    QString error;
     for (const auto& c : cases) {
         const QString text = QString::fromUtf8(c.text);
         const QString written = TerminalCsv::Field(text);
         EXPECT_EQ(written, QString::fromUtf8(c.written));
-        QList<QStringList> records;
-        int record = -1;
-        int field = -1;
-        QString error;
         ASSERT_TRUE(TerminalCsv::SplitRecords(written + u',' + written + QStringLiteral("\r\n"),
                                               records, record, field, error))
             << qPrintable(error);
         EXPECT_EQ(records, (QList<QStringList>{{text, text}})) << c.text;
     }
     // Lines may end in LF alone, and the last line needs no end.
-    QList<QStringList> records;
-    int record = -1;
-    int field = -1;
-    QString error;
     ASSERT_TRUE(TerminalCsv::SplitRecords("a,b\nc,\"\"", records, record, field, error));
     EXPECT_EQ(records, (QList<QStringList>{{"a", "b"}, {"c", ""}}));
 
