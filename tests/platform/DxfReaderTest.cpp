@@ -244,15 +244,10 @@ TEST(DxfReaderTest, DecodesTextValuesAndStripsParagraphFormatting) {
 
 TEST(DxfReaderTest, AttributePromptIgnoresTheEmbeddedObject) {
     DxfDrawing drawing;
-    ASSERT_TRUE(DxfReader::ReadText(Entities({{0, "ATTDEF"},
-                                              {10, "1"},
-                                              {20, "2"},
-                                              {2, "TAG"},
-                                              {3, "Prompt"},
-                                              {101, "Embedded Object"},
-                                              {10, "99"},
-                                              {3, "not the prompt"}}),
-                                    drawing, nullptr));
+    ASSERT_TRUE(DxfReader::ReadText(
+        Entities(Groups("0 ATTDEF 10 1 20 2 2 TAG 3 Prompt") +
+                 Pairs{{101, "Embedded Object"}, {10, "99"}, {3, "not the prompt"}}),
+        drawing, nullptr));
     ASSERT_EQ(drawing.attributes.size(), 1);
     EXPECT_EQ(drawing.attributes[0].prompt, QStringLiteral("Prompt"));
     EXPECT_EQ(drawing.attributes[0].position, QPointF(1, 2));
