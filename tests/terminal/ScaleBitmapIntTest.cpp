@@ -5,39 +5,44 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
+#include <string>
 
 namespace {
 
-using Line = std::vector<QRgb>;
-
-// A picture from its lines, top first.
-QImage Picture(const std::vector<Line>& lines) {
-    QImage image(int(lines.front().size()), int(lines.size()), QImage::Format_RGB32);
+// A picture written as its pixels in hex, lines top first and split by " / ".
+QImage Picture(const char* text) {
+    const QStringList lines = QString::fromLatin1(text).split(QStringLiteral(" / "));
+    const QStringList first = lines.front().split(u' ');
+    QImage image(int(first.size()), int(lines.size()), QImage::Format_RGB32);
     for (int y = 0; y < image.height(); ++y) {
+        const QStringList pixels = lines[y].split(u' ');
         for (int x = 0; x < image.width(); ++x) {
-            image.setPixel(x, y, lines[y][x]);
+            image.setPixel(x, y, pixels.value(x).toUInt(nullptr, 16));
         }
     }
     return image;
 }
 
-std::vector<Line> Lines(const QImage& image) {
-    std::vector<Line> lines(image.height(), Line(image.width()));
+// The picture in the same writing, colours only.
+std::string Text(const QImage& image) {
+    QStringList lines;
     for (int y = 0; y < image.height(); ++y) {
+        QStringList pixels;
         for (int x = 0; x < image.width(); ++x) {
-            lines[y][x] = image.pixel(x, y) & 0xFFFFFFu;
+            pixels.append(
+                QString::number(image.pixel(x, y) & 0xFFFFFFu, 16).rightJustified(6, u'0'));
         }
+        lines.append(pixels.join(u' '));
     }
-    return lines;
+    return lines.join(QStringLiteral(" / ")).toUpper().toStdString();
 }
 
 struct ScaleCase {
     const char* name;
-    std::vector<Line> source;
+    const char* source;
     int width;
     int height;
-    std::vector<Line> expected;
+    const char* expected;
 };
 
 void PrintTo(const ScaleCase& c, std::ostream* os) {
@@ -48,51 +53,25 @@ void PrintTo(const ScaleCase& c, std::ostream* os) {
 // 1.0, and the colour is the top byte of the sum of x weight * y weight * byte.
 const ScaleCase kCases[] = {
     // 2 -> 4: every entry has a full weight, the cursor moves on every second one.
-    {"TwoPixelsDoubleToFour",
-     {{0x0A141E, 0xC86432}},
-     4,
-     1,
-     {{0x0A141E, 0x0A141E, 0xC86432, 0xC86432}}},
+    {"TwoPixelsDoubleToFour", "0A141E C86432", 4, 1, "0A141E 0A141E C86432 C86432"},
     // 2 -> 3: the middle entry crosses a pixel border, weights 2048 and 2048.
-    {"TwoPixelsToThreeBlendTheMiddleOneHalfAndHalf",
-     {{0x6400FF, 0xC90001}},
-     3,
-     1,
-     {{0x6400FF, 0x960080, 0xC90001}}},
+    {"TwoPixelsToThreeBlendTheMiddleOneHalfAndHalf", "6400FF C90001", 3, 1, "6400FF 960080 C90001"},
     // 4 -> 2: unit (2 * 4096) / 4 = 2048 per source pixel; (10 + 21) / 2 rounds down.
-    {"FourPixelsToTwoAverageEachPair",
-     {{0x0A0000, 0x150000, 0x00FF00, 0x00FF02}},
-     2,
-     1,
-     {{0x0F0000, 0x00FF01}}},
+    {"FourPixelsToTwoAverageEachPair", "0A0000 150000 00FF00 00FF02", 2, 1, "0F0000 00FF01"},
     // 3 -> 2: unit 8192 / 3 = 2730; the middle pixel splits 1365 / 1365.
     // 255 * 2730 / 4096 = 169.96 and 255 * 1365 / 4096 = 84.98, both rounded down.
-    {"ThreePixelsToTwoSplitTheMiddleOne",
-     {{0xFF0000, 0x00FF00, 0x000000}},
-     2,
-     1,
-     {{0xA95400, 0x005400}}},
+    {"ThreePixelsToTwoSplitTheMiddleOne", "FF0000 00FF00 000000", 2, 1, "A95400 005400"},
     // 2 x 2 -> 3 x 3: the centre takes 2048 * 2048 of each corner, a quarter.
-    {"TwoByTwoToThreeByThreeMixesAllFourIntoTheCentre",
-     {{0x000000, 0x000000}, {0x000000, 0xFF0000}},
-     3,
-     3,
-     {{0x000000, 0x000000, 0x000000},
-      {0x000000, 0x3F0000, 0x7F0000},
-      {0x000000, 0x7F0000, 0xFF0000}}},
+    {"TwoByTwoToThreeByThreeMixesAllFourIntoTheCentre", "000000 000000 / 000000 FF0000", 3, 3,
+     "000000 000000 000000 / 000000 3F0000 7F0000 / 000000 7F0000 FF0000"},
     // 2 x 4 -> 4 x 2, one side growing and the other shrinking: only the size of the
     // first pass carries over, so the bottom two lines are read unscaled and widened.
     {"GrowingWideWhileShrinkingHighWidensTheBottomLinesOnly",
-     {{0x010101, 0x020202}, {0x030303, 0x040404}, {0x050505, 0x060606}, {0x070707, 0x080808}},
-     4,
-     2,
-     {{0x050505, 0x050505, 0x060606, 0x060606}, {0x070707, 0x070707, 0x080808, 0x080808}}},
+     "010101 020202 / 030303 040404 / 050505 060606 / 070707 080808", 4, 2,
+     "050505 050505 060606 060606 / 070707 070707 080808 080808"},
     // 4 x 1 -> 2 x 2: the line the source lacks reads black.
-    {"ShrinkingWideWhileGrowingHighLeavesTheMissingLineBlack",
-     {{0x0A0000, 0x150000, 0x00FF00, 0x00FF02}},
-     2,
-     2,
-     {{0x000000, 0x000000}, {0x0F0000, 0x00FF01}}},
+    {"ShrinkingWideWhileGrowingHighLeavesTheMissingLineBlack", "0A0000 150000 00FF00 00FF02", 2, 2,
+     "000000 000000 / 0F0000 00FF01"},
 };
 
 }  // namespace
@@ -103,7 +82,7 @@ TEST_P(ScaleBitmapIntCases, GivesTheBytesOfTheWeightTables) {
     const ScaleCase& c = GetParam();
     const QImage scaled = ScaleBitmapInt(Picture(c.source), c.width, c.height);
     ASSERT_EQ(scaled.size(), QSize(c.width, c.height));
-    EXPECT_EQ(Lines(scaled), c.expected);
+    EXPECT_EQ(Text(scaled), c.expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(ScaleBitmapInt, ScaleBitmapIntCases, testing::ValuesIn(kCases),
@@ -113,8 +92,8 @@ INSTANTIATE_TEST_SUITE_P(ScaleBitmapInt, ScaleBitmapIntCases, testing::ValuesIn(
 
 TEST(ScaleBitmapInt, ANullPictureOrAnEmptySizeGivesANullPicture) {
     EXPECT_TRUE(ScaleBitmapInt(QImage(), 4, 4).isNull());
-    EXPECT_TRUE(ScaleBitmapInt(Picture({{0xFFFFFF}}), 0, 4).isNull());
-    EXPECT_TRUE(ScaleBitmapInt(Picture({{0xFFFFFF}}), 4, -1).isNull());
+    EXPECT_TRUE(ScaleBitmapInt(Picture("FFFFFF"), 0, 4).isNull());
+    EXPECT_TRUE(ScaleBitmapInt(Picture("FFFFFF"), 4, -1).isNull());
 }
 
 TEST(ScaleBitmapInt, ThePlugInExportsIt) {
@@ -124,6 +103,5 @@ TEST(ScaleBitmapInt, ThePlugInExportsIt) {
     // The name as the compiler's ABI spells QImage ScaleBitmapInt(const QImage&, int, int).
     const auto scale = reinterpret_cast<Scale>(plugin.resolve("_Z14ScaleBitmapIntRK6QImageii"));
     ASSERT_NE(scale, nullptr) << qPrintable(plugin.errorString());
-    EXPECT_EQ(Lines(scale(Picture({{0x0A141E, 0xC86432}}), 4, 1)),
-              (std::vector<Line>{{0x0A141E, 0x0A141E, 0xC86432, 0xC86432}}));
+    EXPECT_EQ(Text(scale(Picture("0A141E C86432"), 4, 1)), "0A141E 0A141E C86432 C86432");
 }
