@@ -48,7 +48,7 @@ void GridFixture::makeGrids() {
     m_attrib = new CAttribGridWnd;
     layout->addWidget(m_term);
     layout->addWidget(m_attrib);
-    const auto source = [this]() -> CKVModule* { return m_bModuleFound ? &m_module : nullptr; };
+    const auto source = [this]() -> CKVModule* { return &m_module; };
     m_term->SetBlockDesc(&m_blocks);
     m_term->SetModuleSource(source);
     m_term->Initialize();

@@ -60,7 +60,6 @@ protected:
     ScriptedMessages m_messages;
     CBlockDescEx m_blocks;
     CKVModule m_module;
-    bool m_bModuleFound = true;
     std::unique_ptr<QWidget> m_window;
     CTermGridWnd* m_term = nullptr;
     CAttribGridWnd* m_attrib = nullptr;
