@@ -228,10 +228,7 @@ TEST_F(CMSelDlgTest, LockedStyleAndOrientationStillReachTheList) {
 
 TEST_F(CMSelDlgTest, WithoutADatabaseTheDialogCancels) {
     QFile::remove(databasePath());
-    m_host.reset(new StandaloneHost(StandaloneHostConfig()));
-    m_host->setReporter([](const QString&) {});
-    m_host->openDocument();
-    SetCurrentHost(m_host.get());
+    startHostWithoutDatabase();
     CMSelDlg dialog;
     QueuedModalScript script;
     script.push([](QDialog&) { return 0; });

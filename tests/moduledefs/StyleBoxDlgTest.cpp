@@ -204,10 +204,7 @@ TEST_F(StyleBoxDlgTest, TheStylePictureComesFromTheSupportPathScaledElseFromTheP
 
 TEST_F(StyleBoxDlgTest, AStoreThatDoesNotOpenEndsTheDialogWithAMessageInsteadOfEmptyRows) {
     // Regression: without rows the start-up read style 1 from an empty list and crashed.
-    const QString junk = m_dir.filePath(QStringLiteral("junk.mdb"));
-    QFile file(junk);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("not a database, only text") > 0);
-    file.close();
+    const QString junk = writeJunk();
     CStyleBoxDlg dialog;
     dialog.SetDbPath(junk);
     QueuedModalScript script;
