@@ -112,37 +112,42 @@ TEST_F(CMSelDlgTest, ACatalogChosenInItsTypesListGivesItsWholeList) {
     EXPECT_EQ(dialog.Tree().currentItem()->text(0), QStringLiteral("KX-AO2"));
 }
 
-TEST_F(CMSelDlgTest, StyleAndScaleAreKeptByTheRulesTheCommandLineShares) {
+TEST_F(CMSelDlgTest, StyleAndScaleAreKeptByTheRulesTheCommandLineSharesAndALockKeepsThem) {
     const struct {
         int precision;
         int style;
         int orientation;
+        bool bLock;
         QString moduleList;
         QString choices;
     } cases[] = {
-        {4, 12, 2, SampleNv1408List("2.25", "32.0000", "6.0000"), R"(("1" "V" 0.1235 nil))"},
-        {2, 3, 1, SampleNv1408List("2.75", "32.00", "6.00"), R"(("3" "H" 0.12 nil))"},
+        {4, 12, 2, false, SampleNv1408List("2.25", "32.0000", "6.0000"), R"(("1" "V" 0.1235 nil))"},
+        {2, 3, 1, true, SampleNv1408List("2.75", "32.00", "6.00"), R"(("3" "H" 0.12 nil))"},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(c.precision);
         startHost(c.precision);
         CMSelDlg dialog;
         dialog.SetStyle(c.style);
         dialog.SetOrientation(c.orientation);
+        dialog.SetLockStyle(c.bLock);
         dialog.SetScale(0.123456);
         QueuedModalScript script;
-        script.push([](QDialog& d) {
-            auto& selection = static_cast<CMSelDlg&>(d);
-            chooseInList(selection, kNorvale, kSeries, "Analog Input", "NV-1408");
+        script.push([&c](QDialog& d) {
+            if (c.bLock) {
+                for (int id : {CMSelDlg::kIdStyleFirst + c.style - 1, int(CMSelDlg::kIdVertical)}) {
+                    EXPECT_FALSE(FindControl<QAbstractButton>(&d, id)->isEnabled()) << id;
+                }
+            }
+            chooseInList(static_cast<CMSelDlg&>(d), kNorvale, kSeries, "Analog Input", "NV-1408");
             Click(FindControl<QPushButton>(&d, CMSelDlg::kIdOk));
             return 0;
         });
         ASSERT_EQ(ModalRunner::Run(dialog), kIdOk);
         const QString answer = Printed(dialog);
         EXPECT_TRUE(answer.startsWith(u'(' + c.moduleList + QStringLiteral(" ((\"HP?SPACE\"")))
-            << c.precision << "\n"
             << qPrintable(answer.left(400));
         EXPECT_TRUE(answer.endsWith(QStringLiteral(" (T) ") + c.choices + u')'))
-            << c.precision << "\n"
             << qPrintable(answer.right(100));
     }
 }
@@ -193,27 +198,6 @@ TEST_F(CMSelDlgTest, TheRecentSelectionOpensTheNextDialog) {
     });
     EXPECT_EQ(ModalRunner::Run(second), kIdCancel);
     EXPECT_TRUE(script.done());
-}
-
-TEST_F(CMSelDlgTest, LockedStyleAndOrientationStillReachTheList) {
-    CMSelDlg dialog;
-    dialog.SetStyle(4);
-    dialog.SetOrientation(1);
-    dialog.SetLockStyle(true);
-    dialog.SetScale(1.0);
-    QueuedModalScript script;
-    script.push([](QDialog& d) {
-        auto& selection = static_cast<CMSelDlg&>(d);
-        EXPECT_FALSE(FindControl<QAbstractButton>(&d, CMSelDlg::kIdStyleFirst + 3)->isEnabled());
-        EXPECT_FALSE(FindControl<QAbstractButton>(&d, CMSelDlg::kIdVertical)->isEnabled());
-        selection.Tree().SelectModule(kKestrel, "KX", "Digital Input", "KX-DI16");
-        selection.OnOK();
-        return 0;
-    });
-    ASSERT_EQ(ModalRunner::Run(dialog), kIdOk);
-    EXPECT_TRUE(
-        LispText::Print(dialog.GetResult()).endsWith(QStringLiteral("(\"4\" \"H\" 1.0 nil)")))
-        << qPrintable(LispText::Print(dialog.GetResult()));
 }
 
 TEST_F(CMSelDlgTest, WithoutADatabaseTheDialogCancels) {
