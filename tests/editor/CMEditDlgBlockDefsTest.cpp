@@ -1,14 +1,10 @@
 #include "CBlocksGrid.h"
-#include "CMEditDlg.h"
-#include "CModuleTree.h"
 #include "CTermBlockDefsDlg.h"
 #include "CTermGridWnd.h"
-#include "DialogControls.h"
-#include "EditorFixture.h"
+#include "EditorWindowFixture.h"
 #include "ModalRunner.h"
 #include "PlcdbProcess.h"
 #include "TermGridModel.h"
-#include "ViewInput.h"
 
 #include <QApplication>
 #include <QDir>
@@ -16,20 +12,12 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QPushButton>
-#include <QTest>
-
-namespace {
 
 using Defs = CTermBlockDefsDlg;
-const QString kNorvale = QStringLiteral("Norvale Controls");
-const QString kSeries = QStringLiteral("NV-100");
-
-}  // namespace
 
 // The editor's Block Definitions button on the sample's block list less its shield block,
 // in the first folder of the search path, where the editor finds it.
-class CMEditDlgBlockDefsTest : public EditorFixture {
+class CMEditDlgBlockDefsTest : public EditorWindowFixture {
 protected:
     void SetUp() override {
         EditorFixture::SetUp();
@@ -41,28 +29,9 @@ protected:
             bsf.write(line.startsWith(":HP1SHLD;") ? QByteArray() : line + '\n');
         }
         bsf.close();
-        m_dialog = std::make_unique<CMEditDlg>();
-        m_dialog->SetDbPath(databasePath());
-        m_dialog->resize(900, 600);
-        ASSERT_TRUE(ShowActive(*m_dialog));
+        openEditor();
     }
-    void TearDown() override {
-        m_dialog.reset();
-        EditorFixture::TearDown();
-    }
-    CModuleTree& tree() { return m_dialog->Tree(); }
-    void select(const QString& type, const QString& catalog) {
-        QTreeWidgetItem* item = tree().FindItem(kNorvale, kSeries, type, catalog);
-        ASSERT_NE(item, nullptr);
-        tree().scrollToItem(item);
-        QTest::mouseClick(tree().viewport(), Qt::LeftButton, {},
-                          tree().visualItemRect(item).center());
-    }
-    void clickBlockDefs() {
-        auto* button = FindControl<QPushButton>(m_dialog.get(), CMEditDlg::kIdBlockDefs);
-        ASSERT_TRUE(button->isEnabled());
-        QTest::mouseClick(button, Qt::LeftButton);
-    }
+    void select(const QString& type, const QString& catalog) { click(item(type, catalog)); }
     QString selected() {
         const QTreeWidgetItem* item = tree().SelectedItem();
         return item ? item->text(0) : QString();
@@ -70,8 +39,6 @@ protected:
     QStringList terminalChoices() {
         return m_dialog->TermGrid().Model()->Choices(CTermGridWnd::ColumnTerminal);
     }
-
-    std::unique_ptr<CMEditDlg> m_dialog;
 };
 
 TEST_F(CMEditDlgBlockDefsTest, ABlockAddedFromAModuleReachesTheTerminalGridAndPlcdbBlocks) {
@@ -104,7 +71,7 @@ TEST_F(CMEditDlgBlockDefsTest, ABlockAddedFromAModuleReachesTheTerminalGridAndPl
             tree->FindItem(kNorvale, kSeries, QStringLiteral("Analog Input"), "NV-1404"));
         return int(kIdOk);
     });
-    clickBlockDefs();
+    clickButton(CMEditDlg::kIdBlockDefs);
     EXPECT_TRUE(script.done());
     EXPECT_EQ(script.seen, (QStringList{"CTermBlockDefsDlg", "CABSelDlg"}));
 
@@ -146,7 +113,7 @@ TEST_F(CMEditDlgBlockDefsTest, OkWithNoChangeKeepsTheLoadedModule) {
     ASSERT_TRUE(m_dialog->IsModuleLoaded());
     QueuedModalScript script;
     script.pushAnswer(kIdOk);
-    clickBlockDefs();
+    clickButton(CMEditDlg::kIdBlockDefs);
     EXPECT_TRUE(script.done());
     EXPECT_TRUE(m_dialog->IsModuleLoaded());
     EXPECT_EQ(selected(), QStringLiteral("NV-1108"));

@@ -1,9 +1,6 @@
-#include "CMEditDlg.h"
 #include "CModDataDlgBase.h"
-#include "CModuleTree.h"
 #include "CTermGridWnd.h"
-#include "DialogControls.h"
-#include "EditorFixture.h"
+#include "EditorWindowFixture.h"
 #include "ModalRunner.h"
 #include "PlcdbProcess.h"
 #include "TermGridModel.h"
@@ -13,23 +10,10 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QLineEdit>
-#include <QPushButton>
-#include <QTest>
 
 namespace {
 
 using Dlg = CModDataDlgBase;
-const QString kNorvale = QStringLiteral("Norvale Controls");
-const QString kSeries = QStringLiteral("NV-100");
-
-QTreeWidgetItem* Child(QTreeWidgetItem* parent, const QString& text) {
-    for (int i = 0; parent && i < parent->childCount(); ++i) {
-        if (parent->child(i)->text(0) == text) {
-            return parent->child(i);
-        }
-    }
-    return nullptr;
-}
 
 void Type(QDialog& dialog, int id, const QString& text) {
     auto* edit = FindControl<QLineEdit>(&dialog, id);
@@ -40,7 +24,7 @@ void Type(QDialog& dialog, int id, const QString& text) {
 }  // namespace
 
 // The editor's buttons and tree command that open the new-module and module-data dialogs.
-class CMEditDlgModuleTest : public EditorFixture {
+class CMEditDlgModuleTest : public EditorWindowFixture {
 protected:
     void SetUp() override {
         EditorFixture::SetUp();
@@ -48,30 +32,12 @@ protected:
         ASSERT_TRUE(prompts.open(QIODevice::WriteOnly));
         prompts.write("RACK\nSLOT\n");
         prompts.close();
-        m_dialog = std::make_unique<CMEditDlg>();
-        m_dialog->SetDbPath(databasePath());
-        m_dialog->resize(900, 600);
-        m_dialog->show();
+        openEditor();
     }
-    void TearDown() override {
-        m_dialog.reset();
-        EditorFixture::TearDown();
-    }
-    QTreeWidgetItem* item(const QStringList& path) {
-        QTreeWidgetItem* node = m_dialog->Tree().topLevelItem(0);
-        for (const QString& name : path) {
-            node = Child(node, name);
-        }
-        return node;
-    }
-    QPushButton* button(int id) { return FindControl<QPushButton>(m_dialog.get(), id); }
-
-    std::unique_ptr<CMEditDlg> m_dialog;
 };
 
 TEST_F(CMEditDlgModuleTest, NewOnATypeMakesAModuleThatTheTreeTheGridAndTheExportShow) {
-    CModuleTree& tree = m_dialog->Tree();
-    tree.setCurrentItem(item({kNorvale, kSeries, QStringLiteral("Digital Input"), "NV-1108"}));
+    tree().setCurrentItem(itemAt({kNorvale, kSeries, QStringLiteral("Digital Input"), "NV-1108"}));
     QueuedModalScript script;
     script.push([](QDialog& d) {
         auto& dialog = static_cast<Dlg&>(d);
@@ -85,13 +51,13 @@ TEST_F(CMEditDlgModuleTest, NewOnATypeMakesAModuleThatTheTreeTheGridAndTheExport
         EXPECT_EQ(dialog.GetCatalog(), QStringLiteral("NV-1203"));
         return 0;
     });
-    tree.SetContextItem(item({kNorvale, kSeries, QStringLiteral("Digital Output")}));
-    tree.OnNew();
+    tree().SetContextItem(item(QStringLiteral("Digital Output")));
+    tree().OnNew();
     ASSERT_TRUE(QTest::qWaitFor([&script] { return script.done(); }));
 
-    ASSERT_NE(tree.currentItem(), nullptr);
-    EXPECT_EQ(tree.currentItem()->text(0), QStringLiteral("NV-1203"));
-    EXPECT_EQ(tree.currentItem()->parent()->text(0), QStringLiteral("Digital Output"));
+    ASSERT_NE(tree().currentItem(), nullptr);
+    EXPECT_EQ(tree().currentItem()->text(0), QStringLiteral("NV-1203"));
+    EXPECT_EQ(tree().currentItem()->parent()->text(0), QStringLiteral("Digital Output"));
     CTermGridWnd& grid = m_dialog->TermGrid();
     // Three rows of the space block, the first of the sample block list.
     ASSERT_EQ(grid.Model()->RowCount(), 3);
@@ -111,11 +77,10 @@ TEST_F(CMEditDlgModuleTest, NewOnATypeMakesAModuleThatTheTreeTheGridAndTheExport
 }
 
 TEST_F(CMEditDlgModuleTest, EditSpecsIsOnExactlyWithAModuleAndItsOkMarksTheModuleChanged) {
-    CModuleTree& tree = m_dialog->Tree();
     QPushButton* specs = button(CMEditDlg::kIdEditSpecs);
-    tree.setCurrentItem(item({kNorvale, kSeries, QStringLiteral("Digital Input")}));
+    tree().setCurrentItem(item(QStringLiteral("Digital Input")));
     EXPECT_FALSE(specs->isEnabled());
-    tree.setCurrentItem(item({kNorvale, kSeries, QStringLiteral("Digital Input"), "NV-1108"}));
+    tree().setCurrentItem(itemAt({kNorvale, kSeries, QStringLiteral("Digital Input"), "NV-1108"}));
     ASSERT_TRUE(specs->isEnabled());
 
     QueuedModalScript script;
@@ -135,7 +100,7 @@ TEST_F(CMEditDlgModuleTest, EditSpecsIsOnExactlyWithAModuleAndItsOkMarksTheModul
     }
 
     // New with a manufacturer selected gives the dialog that name alone.
-    tree.setCurrentItem(item({QStringLiteral("Kestrel Automation")}));
+    tree().setCurrentItem(itemAt({QStringLiteral("Kestrel Automation")}));
     m_messages.answers = {kIdNo};
     script.push([](QDialog& d) {
         EXPECT_EQ(static_cast<Dlg&>(d).GetManufacturer(), QStringLiteral("Kestrel Automation"));
@@ -144,5 +109,5 @@ TEST_F(CMEditDlgModuleTest, EditSpecsIsOnExactlyWithAModuleAndItsOkMarksTheModul
     });
     QTest::mouseClick(button(CMEditDlg::kIdNewModule), Qt::LeftButton);
     EXPECT_TRUE(script.done());
-    EXPECT_EQ(tree.currentItem()->text(0), QStringLiteral("Kestrel Automation"));
+    EXPECT_EQ(tree().currentItem()->text(0), QStringLiteral("Kestrel Automation"));
 }

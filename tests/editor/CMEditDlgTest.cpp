@@ -1,15 +1,11 @@
 #include "CAttribGridWnd.h"
-#include "CMEditDlg.h"
 #include "CModuleSearch.h"
-#include "CModuleTree.h"
 #include "CPickTerm.h"
 #include "CTermGridWnd.h"
 #include "CatalogDocument.h"
-#include "DialogControls.h"
-#include "EditorFixture.h"
+#include "EditorWindowFixture.h"
 #include "ModalRunner.h"
 #include "ResourceLibrary.h"
-#include "ViewInput.h"
 #include "ZelDbMigrate.h"
 
 #include <QApplication>
@@ -19,65 +15,20 @@
 #include <QJsonObject>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPushButton>
-#include <QTest>
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 namespace {
 
-const QString kNorvale = QStringLiteral("Norvale Controls");
-const QString kSeries = QStringLiteral("NV-100");
 const QString kInputs = QStringLiteral("Digital Input");
 const QString kOutputs = QStringLiteral("Digital Output");
 const QString kNv1108Description = QStringLiteral("8 point 24V DC sink input");
 
 }  // namespace
 
-class CMEditDlgTest : public EditorFixture {
+class CMEditDlgTest : public EditorWindowFixture {
 protected:
-    void SetUp() override {
-        EditorFixture::SetUp();
-        m_dialog = std::make_unique<CMEditDlg>();
-        m_dialog->SetDbPath(databasePath());
-        m_dialog->resize(900, 600);
-        ASSERT_TRUE(ShowActive(*m_dialog));
-    }
-    void TearDown() override {
-        m_dialog.reset();
-        EditorFixture::TearDown();
-    }
-    CModuleTree& tree() { return m_dialog->Tree(); }
-    // A type of the NV-100 series, or one of its catalogs.
-    QTreeWidgetItem* item(const QString& type, const QString& catalog = QString()) {
-        if (!catalog.isEmpty()) {
-            return tree().FindItem(kNorvale, kSeries, type, catalog);
-        }
-        QTreeWidgetItem* node = tree().topLevelItem(0);
-        for (const QString& name : {kNorvale, kSeries, type}) {
-            QTreeWidgetItem* parent = node;
-            node = nullptr;
-            for (int i = 0; parent && !node && i < parent->childCount(); ++i) {
-                node = parent->child(i)->text(0) == name ? parent->child(i) : nullptr;
-            }
-        }
-        return node;
-    }
-    // Clicks an item of the tree as a user does.
-    void click(QTreeWidgetItem* target) {
-        ASSERT_NE(target, nullptr);
-        tree().scrollToItem(target);
-        QTest::mouseClick(tree().viewport(), Qt::LeftButton, {},
-                          tree().visualItemRect(target).center());
-    }
-    void clickButton(int id) {
-        auto* button = FindControl<QPushButton>(m_dialog.get(), id);
-        ASSERT_NE(button, nullptr);
-        ASSERT_TRUE(button->isEnabled()) << id;
-        QTest::mouseClick(button, Qt::LeftButton);
-    }
     // The attribute grid's column of TERM_, from its header row; -1 when not shown.
     int terminalColumn() {
         CAttribGridWnd& grid = m_dialog->AttribGrid();
@@ -96,20 +47,8 @@ protected:
         EXPECT_TRUE(CatalogDocument::Export(db, document, nullptr));
         return document;
     }
-    // A digital input module as a store of its own reads it.
-    std::optional<CKVModule> stored(const QString& catalog) {
-        CKVModuleDB db;
-        QString table;
-        if (db.Open(databasePath()) && db.GetTypeTableName(kNorvale, kSeries, kInputs, table)) {
-            const int handle = db.LoadModule(table, catalog, false);
-            if (handle != -1) {
-                return db.GetModule(handle);
-            }
-        }
-        return std::nullopt;
-    }
     QStringList storedRows(const QString& catalog) {
-        const CKVModule module = stored(catalog).value_or(CKVModule());
+        const CKVModule module = stored(kInputs, catalog).value_or(CKVModule());
         QStringList rows;
         for (int row = 1; row <= module.GetTermCount(); ++row) {
             rows << module.GetTermText(row) + u'|' + module.GetTermSpecial(row);
@@ -117,7 +56,7 @@ protected:
         return rows;
     }
     QString storedDescription(const QString& catalog) {
-        const std::optional<CKVModule> module = stored(catalog);
+        const std::optional<CKVModule> module = stored(kInputs, catalog);
         return module ? module->GetDescription() : QStringLiteral("<no module>");
     }
 
@@ -132,11 +71,7 @@ protected:
         return int(std::count_if(m_messages.shown.begin(), m_messages.shown.end(),
                                  [number](const MessageRequest& r) { return r.number == number; }));
     }
-    bool saveLit() {
-        return FindControl<QPushButton>(m_dialog.get(), CMEditDlg::kIdSave)->isEnabled();
-    }
-
-    std::unique_ptr<CMEditDlg> m_dialog;
+    bool saveLit() { return button(CMEditDlg::kIdSave)->isEnabled(); }
 };
 
 TEST_F(CMEditDlgTest, ReturnAndTheCancelKeyDuringALabelEditEndItAndKeepTheDialogOpen) {
@@ -288,22 +223,14 @@ TEST_F(CMEditDlgTest, AStartWithoutAUsableDatabaseEndsWithCancel) {
     };
     QueuedModalScript script;
 
-    // No database on the host's path.
-    m_host = std::make_unique<StandaloneHost>(StandaloneHostConfig());
-    m_host->setReporter([](const QString&) {});
-    m_host->openDocument();
-    SetCurrentHost(m_host.get());
+    startHostWithoutDatabase();
     CMEditDlg missing;
     script.push(endsAtOnce);
     EXPECT_EQ(ModalRunner::Run(missing), kIdCancel);
     EXPECT_TRUE(m_messages.shown.empty());
 
     // A file that is no database: message 5003 with the path, under title 5000.
-    const QString junk = QDir(m_dir.path()).filePath(QStringLiteral("junk.mdb"));
-    QFile file(junk);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("not a database at all, only text that goes on for a while");
-    file.close();
+    const QString junk = writeJunk();
     CMEditDlg unreadable;
     unreadable.SetDbPath(junk);
     script.push(endsAtOnce);

@@ -27,32 +27,21 @@ namespace {
 
 const QString kKestrel = QStringLiteral("Kestrel Automation");
 
-// The whole answer for KX-AO2 (every box value of places 1 to 4 set) with style 3,
-// orientation H, scale 2.5 and the extra flag, as the Lisp side reads it.
-const QString kKxAo2Answer = QStringLiteral(
-    R"((("KX-AO2" "Kestrel Automation" "Analog output 2 x 0-10V" "16 bit" "" )"
-    R"(("64.0000" ("mm")) ("32.0000" ("mm")) ("6.0000" ("mm")) ("12.0000" ("mm")) )"
-    R"("Decimal" nil ("12.0000") ("8.0000" ("mm")) "2 ch" "Isolated channels") )"
-    R"((("HP?SPACE" (("%%1PROMPT" "SLOT NO.") ("TERM_" "1") ("MFG" "KESTREL") )"
-    R"(("CAT" "KX-AO2") ("DESC" "Analog output 2 x 0-10V") ("TAG" "PLC%N"))) )"
-    R"(("HP?AO" (("TERM_" "2") ("CHAN" "CH0+") ("\\SPECIAL" "ADDR_OUT"))) )"
-    R"(("HP?AO" (("TERM_" "3") ("CHAN" "CH0-"))) )"
-    R"(("HP?SHLD" (("TERM_" "4") ("CHAN" "CH0SH") ("\\SPECIAL" "EXCLUDE"))) )"
-    R"(("HP?SPACE" (("\\SPECIAL" "BREAK") ("\\SPECIAL" "SPACINGFACTOR=0.750000"))) )"
-    R"(("HP?AO" (("TERM_" "5") ("CHAN" "CH1+") ("\\SPECIAL" "ADDR_OUT"))) )"
-    R"(("HP?AO" (("TERM_" "6") ("CHAN" "CH1-"))) )"
-    R"(("HP?SHLD" (("TERM_" "7") ("CHAN" "CH1SH") ("\\SPECIAL" "EXCLUDE")))) )"
-    R"((("HP?SPACE" (("%%1PROMPT" "SLOT NO.") ("TERM_" "1") ("MFG" "KESTREL") )"
-    R"(("CAT" "KX-AO2") ("DESC" "Analog output 2 x 0-10V") ("TAG" "PLC%N"))) )"
-    R"(("HP?AO" (("TERM_" "2") ("CHAN" "CH0+") ("\\SPECIAL" "ADDR_OUT"))) )"
-    R"(("HP?AO" (("TERM_" "3") ("CHAN" "CH0-"))) )"
-    R"(("HP?SPACE" (("\\SPECIAL" "BREAK") ("\\SPECIAL" "SPACINGFACTOR=0.750000"))) )"
-    R"(("HP?AO" (("TERM_" "5") ("CHAN" "CH1+") ("\\SPECIAL" "ADDR_OUT"))) )"
-    R"(("HP?AO" (("TERM_" "6") ("CHAN" "CH1-"))) )"
-    R"(("HP?PWR" (("TERM_" "8") ("PWR" "24V") ("\\SPECIAL" "INCLUDE") ("MFG1" "Kestrel") )"
-    R"(("CAT1" "KA-PS24") ("ASSYCODE1" "PS") ("CNT1" "1") ("KVBLKNAM1" "HPSUPPLY")) )"
-    R"(((("Kestrel" "KA-PS24" "PS" "1" "" "HPSUPPLY")) ("1")))) )"
-    R"((T) ("3" "H" 2.5 1)))");
+// The answer of plcdb select on the database for a module, with more options, as the
+// dialog's answer prints it.
+QString PlcdbSelect(const QString& database, const QStringList& names, const QStringList& more) {
+    const PlcdbRun run = RunPlcdb(QStringList{"--db", database, "select", "--manufacturer",
+                                              names.value(0), "--series", names.value(1), "--type",
+                                              names.value(2), "--catalog", names.value(3)} +
+                                  more);
+    EXPECT_EQ(run.status, 0) << qPrintable(run.err);
+    return run.out.trimmed();
+}
+
+// The dialog's answer as the Lisp side reads it.
+QString Printed(CMSelDlg& dialog) {
+    return LispText::Print(HostValue().begin().append(dialog.GetResult()).end());
+}
 
 void Click(QWidget* widget) {
     ASSERT_NE(widget, nullptr);
@@ -116,43 +105,49 @@ TEST_F(CMSelDlgTest, ACatalogChosenInItsTypesListGivesItsWholeList) {
     });
     ASSERT_EQ(ModalRunner::Run(dialog), kIdOk);
     ASSERT_TRUE(dialog.HasResult());
-    EXPECT_EQ(LispText::Print(HostValue().begin().append(dialog.GetResult()).end()), kKxAo2Answer);
+    EXPECT_EQ(Printed(dialog),
+              PlcdbSelect(databasePath(), {kKestrel, "KX", "Analog Output", "KX-AO2"},
+                          {"--style", "3", "--orient", "H", "--scale", "2.5", "--extra"}));
     // The tree follows the row that was confirmed.
     EXPECT_EQ(dialog.Tree().currentItem()->text(0), QStringLiteral("KX-AO2"));
 }
 
-TEST_F(CMSelDlgTest, StyleAndScaleAreKeptByTheRulesTheCommandLineShares) {
+TEST_F(CMSelDlgTest, StyleAndScaleAreKeptByTheRulesTheCommandLineSharesAndALockKeepsThem) {
     const struct {
         int precision;
         int style;
         int orientation;
+        bool bLock;
         QString moduleList;
         QString choices;
     } cases[] = {
-        {4, 12, 2, SampleNv1408List("2.25", "32.0000", "6.0000"), R"(("1" "V" 0.1235 nil))"},
-        {2, 3, 1, SampleNv1408List("2.75", "32.00", "6.00"), R"(("3" "H" 0.12 nil))"},
+        {4, 12, 2, false, SampleNv1408List("2.25", "32.0000", "6.0000"), R"(("1" "V" 0.1235 nil))"},
+        {2, 3, 1, true, SampleNv1408List("2.75", "32.00", "6.00"), R"(("3" "H" 0.12 nil))"},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(c.precision);
         startHost(c.precision);
         CMSelDlg dialog;
         dialog.SetStyle(c.style);
         dialog.SetOrientation(c.orientation);
+        dialog.SetLockStyle(c.bLock);
         dialog.SetScale(0.123456);
         QueuedModalScript script;
-        script.push([](QDialog& d) {
-            auto& selection = static_cast<CMSelDlg&>(d);
-            chooseInList(selection, "Norvale Controls", "NV-100", "Analog Input", "NV-1408");
+        script.push([&c](QDialog& d) {
+            if (c.bLock) {
+                for (int id : {CMSelDlg::kIdStyleFirst + c.style - 1, int(CMSelDlg::kIdVertical)}) {
+                    EXPECT_FALSE(FindControl<QAbstractButton>(&d, id)->isEnabled()) << id;
+                }
+            }
+            chooseInList(static_cast<CMSelDlg&>(d), kNorvale, kSeries, "Analog Input", "NV-1408");
             Click(FindControl<QPushButton>(&d, CMSelDlg::kIdOk));
             return 0;
         });
         ASSERT_EQ(ModalRunner::Run(dialog), kIdOk);
-        const QString answer =
-            LispText::Print(HostValue().begin().append(dialog.GetResult()).end());
+        const QString answer = Printed(dialog);
         EXPECT_TRUE(answer.startsWith(u'(' + c.moduleList + QStringLiteral(" ((\"HP?SPACE\"")))
-            << c.precision << "\n"
             << qPrintable(answer.left(400));
         EXPECT_TRUE(answer.endsWith(QStringLiteral(" (T) ") + c.choices + u')'))
-            << c.precision << "\n"
             << qPrintable(answer.right(100));
     }
 }
@@ -205,33 +200,9 @@ TEST_F(CMSelDlgTest, TheRecentSelectionOpensTheNextDialog) {
     EXPECT_TRUE(script.done());
 }
 
-TEST_F(CMSelDlgTest, LockedStyleAndOrientationStillReachTheList) {
-    CMSelDlg dialog;
-    dialog.SetStyle(4);
-    dialog.SetOrientation(1);
-    dialog.SetLockStyle(true);
-    dialog.SetScale(1.0);
-    QueuedModalScript script;
-    script.push([](QDialog& d) {
-        auto& selection = static_cast<CMSelDlg&>(d);
-        EXPECT_FALSE(FindControl<QAbstractButton>(&d, CMSelDlg::kIdStyleFirst + 3)->isEnabled());
-        EXPECT_FALSE(FindControl<QAbstractButton>(&d, CMSelDlg::kIdVertical)->isEnabled());
-        selection.Tree().SelectModule(kKestrel, "KX", "Digital Input", "KX-DI16");
-        selection.OnOK();
-        return 0;
-    });
-    ASSERT_EQ(ModalRunner::Run(dialog), kIdOk);
-    EXPECT_TRUE(
-        LispText::Print(dialog.GetResult()).endsWith(QStringLiteral("(\"4\" \"H\" 1.0 nil)")))
-        << qPrintable(LispText::Print(dialog.GetResult()));
-}
-
 TEST_F(CMSelDlgTest, WithoutADatabaseTheDialogCancels) {
     QFile::remove(databasePath());
-    m_host.reset(new StandaloneHost(StandaloneHostConfig()));
-    m_host->setReporter([](const QString&) {});
-    m_host->openDocument();
-    SetCurrentHost(m_host.get());
+    startHostWithoutDatabase();
     CMSelDlg dialog;
     QueuedModalScript script;
     script.push([](QDialog&) { return 0; });
@@ -382,11 +353,6 @@ TEST_F(CMSelDlgTest, PlcDataShowsTheDataOfTheChosenModule) {
 }
 
 TEST_F(CMSelDlgTest, AModuleFoundByTypingAndPickedWithTheKeysGivesTheCommandLinesList) {
-    const PlcdbRun expected =
-        RunPlcdb({"--db", databasePath(), "select", "--manufacturer", "Norvale Controls",
-                  "--series", "NV-100", "--type", "Analog Input", "--catalog", "NV-1408", "--style",
-                  "2", "--orient", "H", "--scale", "1.5"});
-    ASSERT_EQ(expected.status, 0) << qPrintable(expected.err);
     CMSelDlg dialog;
     dialog.SetStyle(2);
     dialog.SetOrientation(1);
@@ -412,6 +378,7 @@ TEST_F(CMSelDlgTest, AModuleFoundByTypingAndPickedWithTheKeysGivesTheCommandLine
         return 0;
     });
     ASSERT_EQ(ModalRunner::Run(dialog), kIdOk);
-    EXPECT_EQ(LispText::Print(HostValue().begin().append(dialog.GetResult()).end()) + u'\n',
-              expected.out);
+    EXPECT_EQ(Printed(dialog),
+              PlcdbSelect(databasePath(), {kNorvale, kSeries, "Analog Input", "NV-1408"},
+                          {"--style", "2", "--orient", "H", "--scale", "1.5"}));
 }

@@ -1,7 +1,7 @@
 #include "CGetStringDlg.h"
 #include "CModuleTree.h"
 #include "DialogControls.h"
-#include "EditorFixture.h"
+#include "EditorWindowFixture.h"
 #include "MenuChooser.h"
 #include "ModalRunner.h"
 
@@ -15,19 +15,8 @@
 
 namespace {
 
-const QString kNorvale = QStringLiteral("Norvale Controls");
-const QString kSeries = QStringLiteral("NV-100");
 const QString kInputs = QStringLiteral("Digital Input");
 const QString kOutputs = QStringLiteral("Digital Output");
-
-QTreeWidgetItem* Child(QTreeWidgetItem* parent, const QString& text) {
-    for (int i = 0; parent && i < parent->childCount(); ++i) {
-        if (parent->child(i)->text(0) == text) {
-            return parent->child(i);
-        }
-    }
-    return nullptr;
-}
 
 }  // namespace
 
@@ -49,11 +38,12 @@ protected:
     QTreeWidgetItem* type(const QString& name) {
         return Child(Child(Child(root(), kNorvale), kSeries), name);
     }
-    // Types a name into the label editor of the running edit and ends it with key.
+    // Types text key by key over the label of the running edit and ends it with key.
     void typeLabel(const QString& text, Qt::Key key = Qt::Key_Return) {
         auto* editor = m_tree->findChild<QLineEdit*>();
         ASSERT_NE(editor, nullptr);
-        editor->setText(text);
+        editor->selectAll();
+        QTest::keyClicks(editor, text);
         QTest::keyClick(editor, key);
         QCoreApplication::processEvents();
         // Closed editors go later; the next edit must not find this one.
@@ -72,25 +62,12 @@ protected:
                                     }))
             << qPrintable(entry) << " on " << qPrintable(item->text(0));
     }
-    // Types text key by key into the label editor of the running edit and presses Return.
-    void typeKeys(const QString& text) {
-        auto* editor = m_tree->findChild<QLineEdit*>();
-        ASSERT_NE(editor, nullptr);
-        editor->selectAll();
-        QTest::keyClicks(editor, text);
-        QTest::keyClick(editor, Qt::Key_Return);
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
     bool storeHasType(const QString& series, const QString& name) {
         CKVModuleDB db;
         return db.Open(databasePath()) && db.IndexExists(kNorvale, series, name);
     }
     bool storeHasModule(const QString& typeName, const QString& catalog) {
-        CKVModuleDB db;
-        QString table;
-        return db.Open(databasePath()) && db.GetTypeTableName(kNorvale, kSeries, typeName, table) &&
-               db.ModuleExists(table, catalog);
+        return stored(typeName, catalog).has_value();
     }
 
     std::unique_ptr<CModuleTree> m_tree;
@@ -194,55 +171,30 @@ TEST_F(CModuleTreeTest, DeleteAsksAndRemovesTheLevelFromTheStore) {
     EXPECT_EQ(deletingSignals, 1);
 }
 
-TEST_F(CModuleTreeTest, PasteAsksForAFreeNameAndACutMovesTheModule) {
+TEST_F(CModuleTreeTest, ACutStaysWhenItsNameIsTakenAndTheUserCancelsAndMovesElsewhere) {
     m_tree->pasteApproval = [](bool) { return 1; };
     QTreeWidgetItem* inputs = type(kInputs);
     m_tree->setCurrentItem(inputs);
-    m_tree->SetContextItem(inputs->child(0));  // NV-1108
-    m_tree->OnCopy();
-
-    // Into the same type: the name exists, so another is asked for.
-    QueuedModalScript script;
-    script.push([](QDialog& dialog) {
-        FindControl<QLineEdit>(&dialog, CGetStringDlg::kIdValue)->setText("NV-1108-B");
-        return int(kIdOk);
-    });
-    m_tree->SetContextItem(inputs);
-    m_tree->OnPaste();
-    EXPECT_TRUE(script.done());
-    EXPECT_EQ(m_messages.shown.at(0).number, 10117);
-    EXPECT_TRUE(storeHasModule(kInputs, QStringLiteral("NV-1108-B")));
-    EXPECT_TRUE(storeHasModule(kInputs, QStringLiteral("NV-1108")));
-    EXPECT_NE(Child(inputs, QStringLiteral("NV-1108-B")), nullptr);
-
-    // A cut pasted where the name exists, then Cancel: nothing moves.
-    m_tree->SetContextItem(Child(inputs, QStringLiteral("NV-1108-B")));
+    m_tree->SetContextItem(Child(inputs, QStringLiteral("NV-1108")));
     m_tree->OnCut();
+
+    // Pasted where the name exists, then Cancel at the question for another: nothing moves.
+    QueuedModalScript script;
     script.pushAnswer(kIdCancel);
     m_tree->SetContextItem(inputs);
     m_tree->OnPaste();
-    EXPECT_TRUE(storeHasModule(kInputs, QStringLiteral("NV-1108-B")));
+    EXPECT_TRUE(script.done());
+    EXPECT_TRUE(storeHasModule(kInputs, QStringLiteral("NV-1108")));
 
-    // The cut pasted into another type moves it.
+    // Pasted into another type it moves.
     QTreeWidgetItem* outputs = type(kOutputs);
     m_tree->setCurrentItem(outputs);
     m_tree->SetContextItem(outputs);
     m_tree->OnPaste();
-    EXPECT_TRUE(storeHasModule(kOutputs, QStringLiteral("NV-1108-B")));
-    EXPECT_FALSE(storeHasModule(kInputs, QStringLiteral("NV-1108-B")));
-    EXPECT_EQ(Child(inputs, QStringLiteral("NV-1108-B")), nullptr);
-    EXPECT_EQ(m_tree->currentItem()->text(0), QStringLiteral("NV-1108-B"));
-}
-
-TEST_F(CModuleTreeTest, TheRecentSelectionComesBack) {
-    ASSERT_TRUE(m_tree->SelectModule(kNorvale, kSeries, kOutputs, QStringLiteral("NV-1232")));
-    EXPECT_TRUE(m_tree->SaveMru());
-
-    CModuleTree other;
-    ASSERT_EQ(other.FillTree(), CModuleTree::kFilled);
-    other.RestoreMru();
-    ASSERT_NE(other.currentItem(), nullptr);
-    EXPECT_EQ(other.currentItem()->text(0), QStringLiteral("NV-1232"));
+    EXPECT_TRUE(storeHasModule(kOutputs, QStringLiteral("NV-1108")));
+    EXPECT_FALSE(storeHasModule(kInputs, QStringLiteral("NV-1108")));
+    EXPECT_EQ(Child(inputs, QStringLiteral("NV-1108")), nullptr);
+    EXPECT_EQ(m_tree->currentItem()->text(0), QStringLiteral("NV-1108"));
 }
 
 TEST_F(CModuleTreeTest, APasteGoesOnOnlyWhenTheOwnerAnswersOne) {
@@ -306,6 +258,7 @@ TEST_F(CModuleTreeTest, APasteAsksAgainWhileTheNameGivenIsTakenToo) {
     EXPECT_EQ(m_messages.shown[1].number, 10117);
     EXPECT_TRUE(m_messages.shown[1].text.contains(QStringLiteral("NV-1116")));
     EXPECT_TRUE(storeHasModule(kInputs, QStringLiteral("NV-1108-C")));
+    EXPECT_TRUE(storeHasModule(kInputs, QStringLiteral("NV-1108")));
     EXPECT_NE(Child(inputs, QStringLiteral("NV-1108-C")), nullptr);
     EXPECT_EQ(inputs->childCount(), 4);
 }
@@ -327,7 +280,7 @@ TEST_F(CModuleTreeTest, LabelsOfManufacturersAndSeriesTake24CharactersAndTypes60
     for (const auto& c : cases) {
         ASSERT_NE(c.item, nullptr);
         contextCommand(c.item, QStringLiteral("Rename"));
-        typeKeys(typed);
+        typeLabel(typed);
         EXPECT_EQ(c.item->text(0), c.kept);
     }
     CKVModuleDB db;

@@ -1,5 +1,4 @@
 #include "CGetStringDlg.h"
-#include "CMScrollListBox.h"
 #include "CModPreviewDlg.h"
 #include "DialogControls.h"
 #include "ModalRunner.h"
@@ -8,7 +7,6 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScrollBar>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -57,18 +55,4 @@ TEST(SmallDialogs, PreviewShowsADrawingAndCancelsWithoutOne) {
     missing.SetFile(dir.filePath(QStringLiteral("NONE.SHT")));
     script.push([](QDialog&) { return 0; });
     EXPECT_EQ(ModalRunner::Run(missing), kIdCancel);
-}
-
-TEST(SmallDialogs, ScrollListTellsItsTopRow) {
-    CMScrollListBox list;
-    list.resize(100, 60);
-    for (int i = 0; i < 50; ++i) {
-        list.addItem(QStringLiteral("Prompt %1").arg(i));
-    }
-    list.show();
-    int top = -1;
-    QObject::connect(&list, &CMScrollListBox::scrolled, [&top](int row) { top = row; });
-    list.verticalScrollBar()->setValue(10);
-    EXPECT_EQ(top, list.TopIndex());
-    EXPECT_GT(top, 0);
 }

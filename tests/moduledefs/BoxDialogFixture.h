@@ -29,6 +29,31 @@ inline QStringList Texts(int count, std::initializer_list<std::pair<int, const c
     return texts;
 }
 
+// Replaces the text of an edit as a user does: a click into it, select all, delete, type.
+inline void Type(QWidget* dialog, int id, const QString& text) {
+    auto* edit = FindControl<QLineEdit>(dialog, id);
+    ASSERT_NE(edit, nullptr) << id;
+    QTest::mouseClick(edit, Qt::LeftButton);
+    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(edit, Qt::Key_Delete);
+    QTest::keyClicks(edit, text);
+}
+
+// Clicks a button near its left edge, where a radio button has its circle.
+inline void Click(QWidget* dialog, int id) {
+    auto* button = FindControl<QAbstractButton>(dialog, id);
+    ASSERT_NE(button, nullptr) << id;
+    QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(6, button->height() / 2));
+}
+
+inline QString Shown(QWidget* dialog, int id) {
+    return FindControl<QLineEdit>(dialog, id)->text();
+}
+
+inline bool Checked(QWidget* dialog, int id) {
+    return FindControl<QAbstractButton>(dialog, id)->isChecked();
+}
+
 // The program's message texts, a host that reports help topics and a user whose
 // messages are scripted; the dialogs are driven with the keyboard and the mouse.
 class BoxDialogFixture : public testing::Test {
@@ -39,19 +64,6 @@ protected:
         SetCurrentHost(&m_host);
     }
     void TearDown() override { SetCurrentHost(nullptr); }
-    // Replaces the text of an edit as a user does: select all, then type.
-    static void Type(QWidget* dialog, int id, const QString& text) {
-        auto* edit = FindControl<QLineEdit>(dialog, id);
-        ASSERT_NE(edit, nullptr);
-        QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClicks(edit, text);
-    }
-    // Clicks near the left edge, where a radio button has its circle.
-    static void Click(QWidget* dialog, int id) {
-        auto* button = FindControl<QAbstractButton>(dialog, id);
-        ASSERT_NE(button, nullptr);
-        QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(6, button->height() / 2));
-    }
     std::vector<int> ShownNumbers() const {
         std::vector<int> numbers;
         for (const MessageRequest& request : m_messages.shown) {

@@ -5,18 +5,6 @@
 using BoxDialog = BoxDialogFixture;
 using Dlg = CModBoxInfoDlg;
 
-namespace {
-
-QString Shown(QDialog& dialog, int id) {
-    return FindControl<QLineEdit>(&dialog, id)->text();
-}
-
-bool Checked(QDialog& dialog, int id) {
-    return FindControl<QAbstractButton>(&dialog, id)->isChecked();
-}
-
-}  // namespace
-
 // The 24 texts are group A's value and unit of fields 3, 4, 2, 1, 5, 6, then group B's.
 TEST_F(BoxDialog, UnderACommaLocaleValuesShowWithACommaAndComeBackWithAPoint) {
     const CommaLocale comma;
@@ -25,12 +13,12 @@ TEST_F(BoxDialog, UnderACommaLocaleValuesShowWithACommaAndComeBackWithAPoint) {
     dialog.SetValueB2(QString());  // a null text does nothing
     QueuedModalScript script;
     script.push([](QDialog& d) {
-        EXPECT_EQ(Shown(d, Dlg::kIdValue1), QStringLiteral("2,5000"));
+        EXPECT_EQ(Shown(&d, Dlg::kIdValue1), QStringLiteral("2,5000"));
         Type(&d, Dlg::kIdValue1, QStringLiteral("2,5"));
         Type(&d, Dlg::kIdValue2, QStringLiteral("2.5"));
         Click(&d, Dlg::kIdGroupB);
-        EXPECT_EQ(Shown(d, Dlg::kIdValue1), QString());
-        EXPECT_EQ(Shown(d, Dlg::kIdValue4), QStringLiteral("1,25"));
+        EXPECT_EQ(Shown(&d, Dlg::kIdValue1), QString());
+        EXPECT_EQ(Shown(&d, Dlg::kIdValue4), QStringLiteral("1,25"));
         Click(&d, Dlg::kIdOk);
         return 0;
     });
@@ -53,8 +41,8 @@ TEST_F(BoxDialog, ABadValueKeepsTheUserOnTheGroupWithTheLaterBadValueSelected) {
         Click(&d, Dlg::kIdGroupB);
         EXPECT_EQ(ShownNumbers(), std::vector<int>{10123});
         EXPECT_EQ(m_messages.shown.at(0).caption, QStringLiteral("Invalid Number"));
-        EXPECT_TRUE(Checked(d, Dlg::kIdGroupA));
-        EXPECT_FALSE(Checked(d, Dlg::kIdGroupB));
+        EXPECT_TRUE(Checked(&d, Dlg::kIdGroupA));
+        EXPECT_FALSE(Checked(&d, Dlg::kIdGroupB));
         EXPECT_EQ(d.focusWidget(), FindControl<QLineEdit>(&d, Dlg::kIdValue5));
         EXPECT_EQ(FindControl<QLineEdit>(&d, Dlg::kIdValue5)->selectedText(), ".");
 
@@ -63,8 +51,8 @@ TEST_F(BoxDialog, ABadValueKeepsTheUserOnTheGroupWithTheLaterBadValueSelected) {
         Type(&d, Dlg::kIdValue5, QStringLiteral(".5"));
         Type(&d, Dlg::kIdValue2, QStringLiteral("1.2.3"));
         Click(&d, Dlg::kIdGroupB);
-        EXPECT_TRUE(Checked(d, Dlg::kIdGroupB));
-        EXPECT_EQ(Shown(d, Dlg::kIdValue4), QStringLiteral("4"));
+        EXPECT_TRUE(Checked(&d, Dlg::kIdGroupB));
+        EXPECT_EQ(Shown(&d, Dlg::kIdValue4), QStringLiteral("4"));
         return 0;
     });
     EXPECT_EQ(ModalRunner::Run(dialog), kIdCancel);
@@ -98,7 +86,7 @@ TEST_F(BoxDialog, OkChecksTheGroupsInOrderAndShowsTheGroupAtFault) {
         QueuedModalScript script;
         script.push([&c](QDialog& d) {
             Click(&d, Dlg::kIdOk);
-            EXPECT_TRUE(Checked(d, c.radio));
+            EXPECT_TRUE(Checked(&d, c.radio));
             if (c.focused != 0) {
                 EXPECT_EQ(d.focusWidget(), FindControl<QLineEdit>(&d, c.focused));
             }

@@ -3,6 +3,7 @@
 #include "CModBoxInfoDlg.h"
 #include "CPromptDlg.h"
 #include "ModalRunner.h"
+#include "ViewInput.h"
 
 #include <QScrollBar>
 
@@ -20,11 +21,6 @@ QStringList Items(const QListWidget* list) {
         texts << list->item(i)->text();
     }
     return texts;
-}
-
-void ClickRow(QListWidget* list, int row) {
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                      list->visualItemRect(list->item(row)).center());
 }
 
 QStringList Numbered(int count) {
@@ -50,13 +46,13 @@ TEST_F(PromptDialog, SetAndClearReplaceTheChosenPromptAndOkTakesTheLists) {
         Type(&d, CPromptDlg::kIdEntry, QStringLiteral("Slot"));
         Click(&d, CPromptDlg::kIdSet);  // nothing chosen: the entry stays
         EXPECT_EQ(entry->text(), QStringLiteral("Slot"));
-        ClickRow(labels, 2);
+        ClickItem(*labels, 2);
         EXPECT_EQ(prompts->currentRow(), 2);
         Click(&d, CPromptDlg::kIdSet);
         EXPECT_EQ(entry->text(), QString());
 
         // Clear leaves the entry; text left in it that was not set is dropped on OK.
-        ClickRow(prompts, 6);
+        ClickItem(*prompts, 6);
         EXPECT_EQ(labels->currentRow(), 6);
         Type(&d, CPromptDlg::kIdEntry, QStringLiteral("Rack"));
         Click(&d, CPromptDlg::kIdClear);
@@ -86,7 +82,7 @@ TEST_F(PromptDialog, ScrollingEitherListScrollsTheOtherAndCancelReturnsNothing) 
         EXPECT_EQ(labels->TopIndex(), 12);
         labels->verticalScrollBar()->setValue(3);
         EXPECT_EQ(prompts->TopIndex(), 3);
-        ClickRow(prompts, 4);
+        ClickItem(*prompts, 4);
         Click(&d, CPromptDlg::kIdClear);
         EXPECT_EQ(prompts->item(4)->text(), QString());
         return int(kIdCancel);

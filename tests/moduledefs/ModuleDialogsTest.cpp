@@ -25,8 +25,6 @@
 namespace {
 
 using Dlg = CModDataDlgBase;
-const QString kNorvale = QStringLiteral("Norvale Controls");
-const QString kSeries = QStringLiteral("NV-100");
 const QString kInputs = QStringLiteral("Digital Input");
 
 QComboBox* Combo(QWidget* dialog, int id) {
@@ -61,9 +59,9 @@ protected:
     }
     // The new-module dialog on the database copy with the caller's names, shown and
     // active for keys and focus.
-    CModNewDlg& openNew(const QString& database = QString(), const QStringList& names = {}) {
+    CModNewDlg& openNew(const QStringList& names = {}) {
         m_new = std::make_unique<CModNewDlg>();
-        m_new->SetDbPath(database.isEmpty() ? databasePath() : database);
+        m_new->SetDbPath(databasePath());
         m_new->SetManufacturer(names.value(0));
         m_new->SetSeries(names.value(1));
         m_new->SetType(names.value(2));
@@ -84,16 +82,6 @@ protected:
     }
     bool okLit(QWidget* dialog) {
         return FindControl<QPushButton>(dialog, Dlg::kIdOk)->isEnabled();
-    }
-    // A store's own copy of a module, as a caller of the module-data dialog holds it.
-    CKVModule load(const QString& database, const QString& type, const QString& catalog) {
-        CKVModuleDB db;
-        QString table;
-        if (!db.Open(database) || !db.GetTypeTableName(kNorvale, kSeries, type, table)) {
-            return {};
-        }
-        const int handle = db.LoadModule(table, catalog, false);
-        return handle == -1 ? CKVModule() : db.GetModule(handle);
     }
 
     std::unique_ptr<CModNewDlg> m_new;
@@ -151,11 +139,11 @@ TEST_F(ModuleDialogsTest, OkIsOnExactlyWhileTheFiveTextsAreThere) {
         EXPECT_TRUE(m_messages.shown[0].text.contains(QStringLiteral("10000")));
         EXPECT_TRUE(dialog.isVisible());
     }
-    EXPECT_EQ(load(databasePath(), kInputs, QStringLiteral("NV-1199")).GetCatalog(), QString());
+    EXPECT_FALSE(stored(kInputs, QStringLiteral("NV-1199")));
 }
 
 TEST_F(ModuleDialogsTest, AnExistingCatalogShowsItsMessageAndPutsTheFocusOnTheCatalog) {
-    CModNewDlg& dialog = openNew(QString(), {kNorvale, kSeries, kInputs});
+    CModNewDlg& dialog = openNew({kNorvale, kSeries, kInputs});
     type(&dialog, Dlg::kIdCatalog, QStringLiteral("nv-1108"));
     Edit(&dialog, Dlg::kIdDescription)->setFocus();
     click(&dialog, Dlg::kIdOk);
@@ -164,12 +152,12 @@ TEST_F(ModuleDialogsTest, AnExistingCatalogShowsItsMessageAndPutsTheFocusOnTheCa
     EXPECT_TRUE(m_messages.shown[0].text.contains(QStringLiteral("\"nv-1108\"")));
     EXPECT_TRUE(dialog.isVisible());
     EXPECT_EQ(QApplication::focusWidget(), Edit(&dialog, Dlg::kIdCatalog));
-    EXPECT_EQ(load(databasePath(), kInputs, QStringLiteral("NV-1108")).GetDescription(),
+    EXPECT_EQ(stored(kInputs, QStringLiteral("NV-1108")).value_or(CKVModule()).GetDescription(),
               QStringLiteral("8 point 24V DC sink input"));
 }
 
 TEST_F(ModuleDialogsTest, TheModuleDataDialogShowsTheModuleAndChangesItOnlyOnOk) {
-    CKVModule module = load(databasePath(), kInputs, QStringLiteral("NV-1108"));
+    CKVModule module = stored(kInputs, QStringLiteral("NV-1108")).value_or(CKVModule());
     ASSERT_EQ(module.GetTermCount(), 11);
     module.SetAddrBase(QStringLiteral("HEX"));
     module.SetBoxA1(-1.0);
@@ -250,8 +238,7 @@ TEST_F(ModuleDialogsTest, TheDialogAndPlcdbNewMakeTheSameModuleFromTheSameInputs
     ASSERT_TRUE(QFile::copy(BuildPath(QStringLiteral("sample/ZEL_PLC.MDB")), second));
 
     // A type the store lacks, chosen from the defaults, makes a new index row.
-    CModNewDlg& dialog =
-        openNew(QString(), {QStringLiteral("Kestrel Automation"), QStringLiteral("KX"), QString()});
+    CModNewDlg& dialog = openNew({QStringLiteral("Kestrel Automation"), QStringLiteral("KX")});
     ChooseEntry(Combo(&dialog, Dlg::kIdType), QStringLiteral("Relay Output"));
     type(&dialog, Dlg::kIdCatalog, QStringLiteral("KX-RO4"));
     type(&dialog, Dlg::kIdDescription, QStringLiteral("4 relays, 2A"));

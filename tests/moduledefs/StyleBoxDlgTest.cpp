@@ -20,31 +20,6 @@ constexpr int kValue1 = 1022, kUnit1 = 1023, kValue2 = 1019, kUnit2 = 1021, kVal
 constexpr int kValue4 = 1017, kUnit4 = 1018, kValue5 = 1026, kUnit5 = 1027, kValue6 = 1029;
 constexpr int kUnit6 = 1031, kStyle1 = CStyleBoxDlg::kIdStyleFirst;
 
-QString Text(QDialog& dialog, int id) {
-    return FindControl<QLineEdit>(&dialog, id)->text();
-}
-
-bool Checked(QDialog& dialog, int id) {
-    return FindControl<QRadioButton>(&dialog, id)->isChecked();
-}
-
-// A user's click into the edit, then the text typed over what it held.
-void TypeInto(QDialog& dialog, int id, const QString& text) {
-    QTest::mouseClick(FindControl<QLineEdit>(&dialog, id), Qt::LeftButton);
-    QTest::keyClick(FindControl<QLineEdit>(&dialog, id), Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(FindControl<QLineEdit>(&dialog, id), Qt::Key_Delete);
-    QTest::keyClicks(FindControl<QLineEdit>(&dialog, id), text);
-}
-
-// Radio buttons and OK, clicked where a user clicks them.
-void Click(QDialog& dialog, int id) {
-    auto* button = FindControl<QAbstractButton>(&dialog, id);
-    ASSERT_NE(button, nullptr) << id;
-    const bool bRadio = qobject_cast<QRadioButton*>(button) != nullptr;
-    QTest::mouseClick(button, Qt::LeftButton, {},
-                      bRadio ? QPoint(6, button->height() / 2) : button->rect().center());
-}
-
 // The entries of places 2, 4 and 6 of NV-1408, which all fall back on the style row, as a
 // Lisp reads them from plcdb select with style 3; empty without a Lisp.
 QString Nv1408FallBacks(const QString& database) {
@@ -102,15 +77,15 @@ TEST_F(StyleBoxDlgTest, BoundsEditedFromTheEditorChangeTheFallBackValuesOfALater
     editor.show();
     QueuedModalScript script;
     script.push([](QDialog& dialog) {
-        Click(dialog, kStyle1 + 2);
-        EXPECT_EQ(Text(dialog, kValue2), "2.75");
+        Click(&dialog, kStyle1 + 2);
+        EXPECT_EQ(Shown(&dialog, kValue2), "2.75");
         const std::pair<int, const char*> typed[] = {{kValue2, "4.5"},  {kUnit2, "cm"},
                                                      {kValue4, "0.75"}, {kUnit4, "mm"},
                                                      {kValue6, ""},     {kUnit6, ""}};
         for (const auto& [id, text] : typed) {
-            TypeInto(dialog, id, QString::fromLatin1(text));
+            Type(&dialog, id, QString::fromLatin1(text));
         }
-        Click(dialog, CStyleBoxDlg::kIdOk);
+        Click(&dialog, CStyleBoxDlg::kIdOk);
         return 0;
     });
     QTest::mouseClick(FindControl<QPushButton>(&editor, CMEditDlg::kIdStyleBox), Qt::LeftButton);
@@ -124,39 +99,39 @@ TEST_F(StyleBoxDlgTest, BoundsEditedFromTheEditorChangeTheFallBackValuesOfALater
 TEST_F(StyleBoxDlgTest, ARefusedSwitchKeepsTheStyleAndGroupShownAndTheirRadioButtons) {
     row(1, QStringList(12));
     CStyleBoxDlg& dialog = open();
-    EXPECT_TRUE(Text(dialog, kValue1).isEmpty() && Text(dialog, kUnit6).isEmpty());
-    TypeInto(dialog, kValue1, QStringLiteral("1"));
-    Click(dialog, kStyle1 + 1);
+    EXPECT_TRUE(Shown(&dialog, kValue1).isEmpty() && Shown(&dialog, kUnit6).isEmpty());
+    Type(&dialog, kValue1, QStringLiteral("1"));
+    Click(&dialog, kStyle1 + 1);
     EXPECT_EQ(last(), 5006);
-    EXPECT_TRUE(Checked(dialog, kStyle1) && !Checked(dialog, kStyle1 + 1));
-    Click(dialog, CStyleBoxDlg::kIdGroupB);
-    EXPECT_TRUE(Checked(dialog, CStyleBoxDlg::kIdGroupA) && m_messages.shown.size() == 2);
+    EXPECT_TRUE(Checked(&dialog, kStyle1) && !Checked(&dialog, kStyle1 + 1));
+    Click(&dialog, CStyleBoxDlg::kIdGroupB);
+    EXPECT_TRUE(Checked(&dialog, CStyleBoxDlg::kIdGroupA) && m_messages.shown.size() == 2);
 
     for (int id : {kValue2, kValue3, kValue4}) {
-        TypeInto(dialog, id, QStringLiteral("2"));
+        Type(&dialog, id, QStringLiteral("2"));
     }
-    TypeInto(dialog, kUnit5, QStringLiteral("mm"));
-    Click(dialog, CStyleBoxDlg::kIdGroupB);
+    Type(&dialog, kUnit5, QStringLiteral("mm"));
+    Click(&dialog, CStyleBoxDlg::kIdGroupB);
     EXPECT_EQ(last(), 5007);
     EXPECT_EQ(QApplication::focusWidget(), FindControl<QLineEdit>(&dialog, kValue5));
 
     // Of two bad numbers the later one on the screen is selected; OK writes nothing.
-    TypeInto(dialog, kUnit5, QString());
-    TypeInto(dialog, kValue4, QStringLiteral("x"));
-    TypeInto(dialog, kValue6, QStringLiteral("."));
-    Click(dialog, CStyleBoxDlg::kIdOk);
+    Type(&dialog, kUnit5, QString());
+    Type(&dialog, kValue4, QStringLiteral("x"));
+    Type(&dialog, kValue6, QStringLiteral("."));
+    Click(&dialog, CStyleBoxDlg::kIdOk);
     EXPECT_EQ(last(), 10123);
     EXPECT_EQ(QApplication::focusWidget(), FindControl<QLineEdit>(&dialog, kValue6));
     EXPECT_EQ(FindControl<QLineEdit>(&dialog, kValue6)->selectedText(), ".");
     EXPECT_TRUE(dialog.isVisible() && row(1).Box[0].isEmpty());
 
     // Put right, the style is left and its texts are there on return.
-    TypeInto(dialog, kValue4, QStringLiteral("4"));
-    TypeInto(dialog, kValue6, QString());
-    Click(dialog, kStyle1 + 1);
-    EXPECT_EQ(Text(dialog, kValue1), "1.25");
-    Click(dialog, kStyle1);
-    EXPECT_EQ(Text(dialog, kValue4), "4");
+    Type(&dialog, kValue4, QStringLiteral("4"));
+    Type(&dialog, kValue6, QString());
+    Click(&dialog, kStyle1 + 1);
+    EXPECT_EQ(Shown(&dialog, kValue1), "1.25");
+    Click(&dialog, kStyle1);
+    EXPECT_EQ(Shown(&dialog, kValue4), "4");
     EXPECT_EQ(m_messages.shown.size(), 4u);
 }
 
@@ -164,13 +139,13 @@ TEST_F(StyleBoxDlgTest, UnderACommaLocaleNumbersAndUnitsShowACommaAndAreWrittenW
     CommaLocale comma;
     row(2, {"1.5 in", "2.5 sq.in", "3 in", "4 in", "", "", "7", "8", "9", "10", "", ""});
     CStyleBoxDlg& dialog = open();
-    Click(dialog, kStyle1 + 1);
-    EXPECT_EQ(Text(dialog, kValue2) + u' ' + Text(dialog, kUnit2), "2,5 sq,in");
-    TypeInto(dialog, kValue3, QStringLiteral("3,25"));
+    Click(&dialog, kStyle1 + 1);
+    EXPECT_EQ(Shown(&dialog, kValue2) + u' ' + Shown(&dialog, kUnit2), "2,5 sq,in");
+    Type(&dialog, kValue3, QStringLiteral("3,25"));
     // A row text without a blank is all value.
-    Click(dialog, CStyleBoxDlg::kIdGroupB);
-    EXPECT_EQ(Text(dialog, kValue1) + u'|' + Text(dialog, kUnit1), "7|");
-    Click(dialog, CStyleBoxDlg::kIdOk);
+    Click(&dialog, CStyleBoxDlg::kIdGroupB);
+    EXPECT_EQ(Shown(&dialog, kValue1) + u'|' + Shown(&dialog, kUnit1), "7|");
+    Click(&dialog, CStyleBoxDlg::kIdOk);
     EXPECT_FALSE(dialog.isVisible());
     const ModDB::StyleBoxData written = row(2);
     EXPECT_EQ(QStringList(written.Box.begin(), written.Box.begin() + 7),
@@ -194,20 +169,17 @@ TEST_F(StyleBoxDlgTest, TheStylePictureComesFromTheSupportPathScaledElseFromTheP
     QStringList reports;
     m_host->setReporter([&reports](const QString& text) { reports << text; });
     CStyleBoxDlg& bare = open();
-    Click(bare, kStyle1 + 4);
+    Click(&bare, kStyle1 + 4);
     const QImage own(SourcePath(QStringLiteral("src/resources/bitmaps/201.bmp")));
     EXPECT_EQ(bare.Picture().image(), own.convertToFormat(bare.Picture().image().format()));
-    Click(bare, CStyleBoxDlg::kIdHelp);
+    Click(&bare, CStyleBoxDlg::kIdHelp);
     QTest::keyClick(&bare, Qt::Key_F1);
     EXPECT_EQ(reports.filter(QStringLiteral("Help topic: plc_style_bound")).size(), 2);
 }
 
 TEST_F(StyleBoxDlgTest, AStoreThatDoesNotOpenEndsTheDialogWithAMessageInsteadOfEmptyRows) {
     // Regression: without rows the start-up read style 1 from an empty list and crashed.
-    const QString junk = m_dir.filePath(QStringLiteral("junk.mdb"));
-    QFile file(junk);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("not a database, only text") > 0);
-    file.close();
+    const QString junk = writeJunk();
     CStyleBoxDlg dialog;
     dialog.SetDbPath(junk);
     QueuedModalScript script;
