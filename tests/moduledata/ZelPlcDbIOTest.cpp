@@ -134,40 +134,32 @@ protected:
     ZelPlcDbIO m_store;
 };
 
-TEST_F(ZelPlcDbIOTest, IndexComesGroupedAndSortedWithoutRegardToCase) {
+// The index rows as "Manufacturer|Series|Type", a type row (one with a table) marked "*".
+QStringList IndexRows(ZelPlcDbIO& store) {
+    QList<ModDB::IndexData> rows;
+    EXPECT_TRUE(store.GetArrayOfAllIndexData(rows));
+    QStringList texts;
+    for (const ModDB::IndexData& row : rows) {
+        EXPECT_FALSE(row.Series.isNull());
+        texts << QStringList{row.Manufacturer, row.Series, row.Type}.join('|') +
+                     (row.TableName.isEmpty() ? "" : "*");
+    }
+    return texts;
+}
+
+TEST_F(ZelPlcDbIOTest, IndexComesGroupedAndSortedWithoutRegardToCaseEmptyNamesFirst) {
     EXPECT_TRUE(m_store.AddIndexData("Zeta", QString(), QString()));
     addType("acme", "S2", "T1");
     EXPECT_TRUE(m_store.AddIndexData("ACME", "s1", QString()));
     addType("Acme", "S1", "T2");
     addType("ACME", "s2", "a0");
-
-    QList<ModDB::IndexData> rows;
-    ASSERT_TRUE(m_store.GetArrayOfAllIndexData(rows));
-    const QStringList expected{"acme||",     "ACME|s1|",   "Acme|S1|T2", "acme|S2|",
-                               "ACME|s2|a0", "acme|S2|T1", "Zeta||"};
-    QStringList got;
-    for (const ModDB::IndexData& row : rows) {
-        got << QStringList{row.Manufacturer, row.Series, row.Type}.join('|');
-        // A table name belongs to a type row only.
-        EXPECT_EQ(row.TableName.isEmpty(), row.Type.isEmpty()) << got.last().toStdString();
-    }
-    EXPECT_EQ(got, expected);
-    EXPECT_FALSE(rows.first().Series.isNull());
-}
-
-TEST_F(ZelPlcDbIOTest, EmptyNamesComeFirstYetBelowTheRowAboveThem) {
+    // An empty name sorts first, yet below the row it belongs to.
     addType("M", "S", "");
     addType("M", "", "T");
     addType("M", "", "");
-    QList<ModDB::IndexData> rows;
-    ASSERT_TRUE(m_store.GetArrayOfAllIndexData(rows));
-    QStringList got;
-    for (const ModDB::IndexData& row : rows) {
-        got << QStringList{row.Manufacturer, row.Series, row.Type}.join('|') +
-                   (row.TableName.isEmpty() ? "" : "*");
-    }
-    // A type row is marked by its table.
-    EXPECT_EQ(got, QStringList({"M||", "M||", "M||*", "M||T*", "M|S|", "M|S|*"}));
+    EXPECT_EQ(IndexRows(m_store), QStringList({"acme||", "ACME|s1|", "Acme|S1|T2*", "acme|S2|",
+                                               "ACME|s2|a0*", "acme|S2|T1*", "M||", "M||", "M||*",
+                                               "M||T*", "M|S|", "M|S|*", "Zeta||"}));
 }
 
 TEST_F(ZelPlcDbIOTest, NamesAreUniquePerLevelWithoutRegardToCaseUnicodeIncluded) {
