@@ -172,17 +172,16 @@ TEST_F(ZelPlcDbIOTest, NamesAreUniquePerLevelWithoutRegardToCaseUnicodeIncluded)
     EXPECT_TRUE(m_store.AddIndexData("Other", "ärger", QString()));
     EXPECT_FALSE(m_store.AddIndexData(QString(), "S", "T"));
 
-    struct Case {
+    const struct {
         QString manufacturer, series, type;
         bool exists;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"äRGER", QString(), QString(), true},   {"ÄRGER", "σειρά", QString(), true},
         {"ärger", "ΣΕΙΡΆ", "t", true},           {"ärger", "ΣΕΙΡΆ", "u", false},
         {"other", QString(), QString(), true},   {"Other", "ärger", "T", false},
         {"nobody", QString(), QString(), false},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         bool exists = !c.exists;
         EXPECT_TRUE(m_store.DoesIndexDataExist(c.manufacturer, c.series, c.type, exists));
         EXPECT_EQ(exists, c.exists)
@@ -200,11 +199,10 @@ TEST_F(ZelPlcDbIOTest, RenameChangesTheLowestGivenLevelAndRefusesATakenName) {
     addType("M", "R", "T");
     EXPECT_TRUE(m_store.AddIndexData("N", QString(), QString()));
 
-    struct Case {
+    const struct {
         QString manufacturer, series, type, newName;
         bool ok;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"M", "S", "T", "u", false},
         {"M", "S", "T", "V", true},
         {"M", "s", QString(), "r", false},
@@ -215,7 +213,7 @@ TEST_F(ZelPlcDbIOTest, RenameChangesTheLowestGivenLevelAndRefusesATakenName) {
         {"Gone", QString(), QString(), "X", false},
         {"L", "Q", "V", QString(), false},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         EXPECT_EQ(m_store.RenameIndexData(c.manufacturer, c.series, c.type, c.newName), c.ok)
             << c.manufacturer.toStdString() << "/" << c.newName.toStdString();
     }
@@ -332,16 +330,15 @@ TEST_F(ZelPlcDbIOTest, EachFileOpensOnlyInTheModesItAllows) {
         ASSERT_TRUE(other.exec("CREATE TABLE plc_index (x)"));
     }
 
-    struct Case {
+    const struct {
         QString path;
         bool shared, read, exclusive;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {writable, true, true, true},   {locked, false, true, true},
         {garbage, false, false, false}, {foreign, false, false, false},
         {missing, false, false, false}, {m_dir.path(), false, false, false},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         ZelPlcDbIO store;
         EXPECT_EQ(store.PutConnectionString(ConnectionText(c.path, kShared)), c.shared)
             << c.path.toStdString();
@@ -359,11 +356,10 @@ TEST_F(ZelPlcDbIOTest, ConnectionTextsInTheirUsualForms) {
     ASSERT_TRUE(QDir(m_dir.path()).mkdir("a;b"));
     const QString odd = m_dir.filePath("a;b/ZEL_PLC.MDB");
     ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(odd));
-    struct Case {
+    const struct {
         QString text;
         bool opens, writable;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"Data Source=" + m_path, true, true},
         {"Provider;data source = " + m_path + " ; MODE = read", true, false},
         {"Data Source=\"" + odd + "\";Mode=Read|Share Deny Write", true, false},
@@ -372,7 +368,7 @@ TEST_F(ZelPlcDbIOTest, ConnectionTextsInTheirUsualForms) {
         {"Source=" + m_path, false, false},
         {"Mode=Read", false, false},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         ZelPlcDbIO store;
         EXPECT_EQ(store.PutConnectionString(c.text), c.opens) << c.text.toStdString();
         EXPECT_EQ(store.UpdateStyleBoxData(1, ModDB::StyleBoxData()), c.writable)
