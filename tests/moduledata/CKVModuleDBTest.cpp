@@ -1,12 +1,12 @@
 #include "CKVModuleDB.h"
 #include "SqliteDb.h"
+#include "StoreTestSupport.h"
 #include "TestSupport.h"
 #include "ZelPlcDbIO.h"
 
 #include <QDir>
 #include <QFile>
 #include <QLocale>
-#include <QTemporaryDir>
 
 #include <functional>
 
@@ -16,15 +16,9 @@ namespace {
 
 const QString kNull;
 
-class CKVModuleDBTest : public testing::Test {
+class CKVModuleDBTest : public StoreFileTest {
 protected:
-    void SetUp() override {
-        m_path = m_dir.filePath("ZEL_PLC.MDB");
-        ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path));
-        ZelPlcDbIO::SetInstance(&m_store);
-        ASSERT_TRUE(m_db.Open(m_path));
-    }
-    void TearDown() override { ZelPlcDbIO::SetInstance(nullptr); }
+    void SetUp() override { CreateWithModules({}); }
 
     // A saved module of type ACME/series/T1; answers its table.
     QString SaveModule(const QString& catalog, const QStringList& rows = {"HP?TERM;N=1"},
@@ -51,11 +45,6 @@ protected:
         }
         return texts;
     }
-
-    QTemporaryDir m_dir;
-    QString m_path;
-    ZelPlcDbIO m_store;
-    CKVModuleDB m_db;
 };
 
 TEST_F(CKVModuleDBTest, OpenRefusesBadPathsAndUnopenableFilesWithTheirCodes) {

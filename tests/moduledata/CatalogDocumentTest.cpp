@@ -1,26 +1,15 @@
-#include "CKVModuleDB.h"
 #include "CatalogDocument.h"
+#include "StoreTestSupport.h"
 #include "TestSupport.h"
-#include "ZelPlcDbIO.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-class CatalogDocumentTest : public testing::Test {
+class CatalogDocumentTest : public StoreFileTest {
 protected:
-    void SetUp() override {
-        ZelPlcDbIO::SetInstance(&m_store);
-        const QString path = m_dir.filePath(QStringLiteral("ZEL_PLC.MDB"));
-        ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(path));
-        ASSERT_TRUE(m_db.Open(path));
-    }
-    void TearDown() override {
-        m_db.Close();
-        ZelPlcDbIO::SetInstance(nullptr);
-    }
+    void SetUp() override { CreateWithModules({}); }
     QJsonObject exported() {
         QJsonObject document;
         EXPECT_TRUE(CatalogDocument::Export(m_db, document, nullptr));
@@ -29,10 +18,6 @@ protected:
     bool import(const char* json, QString* error = nullptr) {
         return CatalogDocument::Import(m_db, QJsonDocument::fromJson(json).object(), error);
     }
-
-    QTemporaryDir m_dir;
-    ZelPlcDbIO m_store;
-    CKVModuleDB m_db;
 };
 
 TEST_F(CatalogDocumentTest, TextsPassUnchangedAndMissingKeysAreEmpty) {

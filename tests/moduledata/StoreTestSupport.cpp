@@ -66,7 +66,7 @@ void StoreFileTest::CreateWithModules(std::initializer_list<const char*> catalog
         ASSERT_GT(handle, 0);
         ASSERT_TRUE(m_db.SaveModule(handle));
     }
-    ASSERT_TRUE(m_db.GetTypeTableName("M", "S", "T", m_table));
+    ASSERT_EQ(m_db.GetTypeTableName("M", "S", "T", m_table), catalogs.size() > 0);
 }
 
 void StoreFileTest::TearDown() {

@@ -39,7 +39,8 @@ public:
 };
 
 // A new database file in a temporary folder, held open all along as the tree of an open
-// dialog holds its store, with saved modules of the given catalogs under M / S / T.
+// dialog holds its store, with saved modules of the given catalogs under M / S / T (whose
+// table is m_table once there is one).
 class StoreFileTest : public testing::Test {
 protected:
     void CreateWithModules(std::initializer_list<const char*> catalogs);
