@@ -168,25 +168,13 @@ TEST_F(CKVModuleDBTest, NewModuleAddsTheIndexRowAtOnceAndRefusesATakenCatalogOrN
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrCatalogExists);
 }
 
-TEST_F(CKVModuleDBTest, LoadAndHandleFailuresHaveTheirCodes) {
-    const QString table = SaveModule("C1");
+TEST_F(CKVModuleDBTest, HandlesSurviveTheReleaseOfAnotherAndBadOnesFailWithTheirCodes) {
+    const QString table = SaveModule("C0");
     EXPECT_EQ(m_db.LoadModule(table, "", false), -1);
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoTableOrCatalog);
     EXPECT_EQ(m_db.LoadModule(table, "MISSING", false), -1);
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoSpecRow);
 
-    bool found = true;
-    m_db.GetModule(99, &found).SetDescription("scribbled");
-    EXPECT_FALSE(found);
-    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoHandle);
-    EXPECT_TRUE(m_db.GetModule(99).GetDescription().isEmpty());
-    EXPECT_FALSE(m_db.SaveModule(99));
-    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoHandle);
-    EXPECT_FALSE(m_db.ReleaseModule(99));
-    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoHandle);
-}
-
-TEST_F(CKVModuleDBTest, HandlesSurviveTheReleaseOfAnother) {
     const int first = m_db.NewModule("ACME", "S1", "T1", "C1");
     const int second = m_db.NewModule("ACME", "S1", "T1", "C2");
     const int third = m_db.NewModule("ACME", "S1", "T1", "C3");
@@ -199,8 +187,17 @@ TEST_F(CKVModuleDBTest, HandlesSurviveTheReleaseOfAnother) {
     EXPECT_TRUE(found);
     // Moving modules inside the object must not go through their copy rules.
     EXPECT_EQ(m_db.GetModule(third).GetTableName(), "kept");
-    EXPECT_FALSE(m_db.ReleaseModule(first));
     EXPECT_EQ(m_db.NewModule("ACME", "S1", "T1", "C4"), third + 1);
+
+    // A released handle is unknown, and what is written to its stand-in is lost.
+    m_db.GetModule(first, &found).SetDescription("scribbled");
+    EXPECT_FALSE(found);
+    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoHandle);
+    EXPECT_TRUE(m_db.GetModule(first).GetDescription().isEmpty());
+    EXPECT_FALSE(m_db.SaveModule(first));
+    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoHandle);
+    EXPECT_FALSE(m_db.ReleaseModule(first));
+    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoHandle);
 }
 
 TEST_F(CKVModuleDBTest, ValueFieldsLoadAndSaveInTheirTextForm) {
