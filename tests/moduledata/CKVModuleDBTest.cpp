@@ -1,12 +1,12 @@
 #include "CKVModuleDB.h"
 #include "SqliteDb.h"
+#include "StoreTestSupport.h"
 #include "TestSupport.h"
 #include "ZelPlcDbIO.h"
 
 #include <QDir>
 #include <QFile>
 #include <QLocale>
-#include <QTemporaryDir>
 
 #include <functional>
 
@@ -16,15 +16,9 @@ namespace {
 
 const QString kNull;
 
-class CKVModuleDBTest : public testing::Test {
+class CKVModuleDBTest : public StoreFileTest {
 protected:
-    void SetUp() override {
-        m_path = m_dir.filePath("ZEL_PLC.MDB");
-        ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path));
-        ZelPlcDbIO::SetInstance(&m_store);
-        ASSERT_TRUE(m_db.Open(m_path));
-    }
-    void TearDown() override { ZelPlcDbIO::SetInstance(nullptr); }
+    void SetUp() override { CreateWithModules({}); }
 
     // A saved module of type ACME/series/T1; answers its table.
     QString SaveModule(const QString& catalog, const QStringList& rows = {"HP?TERM;N=1"},
@@ -51,11 +45,6 @@ protected:
         }
         return texts;
     }
-
-    QTemporaryDir m_dir;
-    QString m_path;
-    ZelPlcDbIO m_store;
-    CKVModuleDB m_db;
 };
 
 TEST_F(CKVModuleDBTest, OpenRefusesBadPathsAndUnopenableFilesWithTheirCodes) {
@@ -179,25 +168,13 @@ TEST_F(CKVModuleDBTest, NewModuleAddsTheIndexRowAtOnceAndRefusesATakenCatalogOrN
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrCatalogExists);
 }
 
-TEST_F(CKVModuleDBTest, LoadAndHandleFailuresHaveTheirCodes) {
-    const QString table = SaveModule("C1");
+TEST_F(CKVModuleDBTest, HandlesSurviveTheReleaseOfAnotherAndBadOnesFailWithTheirCodes) {
+    const QString table = SaveModule("C0");
     EXPECT_EQ(m_db.LoadModule(table, "", false), -1);
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoTableOrCatalog);
     EXPECT_EQ(m_db.LoadModule(table, "MISSING", false), -1);
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoSpecRow);
 
-    bool found = true;
-    m_db.GetModule(99, &found).SetDescription("scribbled");
-    EXPECT_FALSE(found);
-    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoHandle);
-    EXPECT_TRUE(m_db.GetModule(99).GetDescription().isEmpty());
-    EXPECT_FALSE(m_db.SaveModule(99));
-    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoHandle);
-    EXPECT_FALSE(m_db.ReleaseModule(99));
-    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoHandle);
-}
-
-TEST_F(CKVModuleDBTest, HandlesSurviveTheReleaseOfAnother) {
     const int first = m_db.NewModule("ACME", "S1", "T1", "C1");
     const int second = m_db.NewModule("ACME", "S1", "T1", "C2");
     const int third = m_db.NewModule("ACME", "S1", "T1", "C3");
@@ -210,8 +187,17 @@ TEST_F(CKVModuleDBTest, HandlesSurviveTheReleaseOfAnother) {
     EXPECT_TRUE(found);
     // Moving modules inside the object must not go through their copy rules.
     EXPECT_EQ(m_db.GetModule(third).GetTableName(), "kept");
-    EXPECT_FALSE(m_db.ReleaseModule(first));
     EXPECT_EQ(m_db.NewModule("ACME", "S1", "T1", "C4"), third + 1);
+
+    // A released handle is unknown, and what is written to its stand-in is lost.
+    m_db.GetModule(first, &found).SetDescription("scribbled");
+    EXPECT_FALSE(found);
+    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoHandle);
+    EXPECT_TRUE(m_db.GetModule(first).GetDescription().isEmpty());
+    EXPECT_FALSE(m_db.SaveModule(first));
+    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoHandle);
+    EXPECT_FALSE(m_db.ReleaseModule(first));
+    EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoHandle);
 }
 
 TEST_F(CKVModuleDBTest, ValueFieldsLoadAndSaveInTheirTextForm) {

@@ -114,19 +114,18 @@ TEST(CKVModuleTest, BoxAndRowAccessorsIgnoreOutOfRangeNumbers) {
 }
 
 TEST(CKVModuleTest, InsertTermCopyTakesTheTextOfTheRowAtOrBeforeThePosition) {
-    struct Case {
+    const struct {
         int row;
         bool bFromSameRow;
         bool inserted;
         QStringList texts;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {1, true, true, {"A", "A", "B", ""}},  {2, false, true, {"A", "A", "B", ""}},
         {3, false, true, {"A", "B", "B", ""}}, {3, true, false, {"A", "B", ""}},
         {4, false, false, {"A", "B", ""}},     {1, false, false, {"A", "B", ""}},
         {0, true, false, {"A", "B", ""}},      {5, false, false, {"A", "B", ""}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.row);
         CKVModule module = ModuleWithRows({{"A", "S=1"}, {"B", "S=2"}, {"", "S=3"}});
         EXPECT_EQ(module.InsertTermCopy(c.row, c.bFromSameRow), c.inserted);
@@ -161,12 +160,11 @@ TEST(CKVModuleTest, ValueAndUnitTextsSplitAndBuildBackAlike) {
 }
 
 TEST(RowGrammarTest, SetTermRowSplitsAtTheFirstSemicolon) {
-    struct Case {
+    const struct {
         int row;
         QString joined, text, special;
         int count;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {1, " ;X=1", "", "X=1", 1},
         {1, "  HP?SPACE  ", "HP?SPACE", "OLD=1", 1},
         {1, "   ", "OLD", "OLD=1", 1},
@@ -176,7 +174,7 @@ TEST(RowGrammarTest, SetTermRowSplitsAtTheFirstSemicolon) {
         {2, "NEW;TERM_=1", "NEW", "TERM_=1", 2},
         {3, "FAR;A=1", QString(), QString(), 1},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.joined.toStdString());
         CKVModule module = ModuleWithRows({{"OLD", "OLD=1"}});
         module.SetTermRow(c.row, c.joined);
@@ -187,12 +185,11 @@ TEST(RowGrammarTest, SetTermRowSplitsAtTheFirstSemicolon) {
 }
 
 TEST(RowGrammarTest, FlagReadersIgnoreBlanksAndCaseButSpacingHeedsCase) {
-    struct Case {
+    const struct {
         QString special;
         int brk, includeExclude, addr;
         double spacing;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"\\SPECIAL=EXCLUDE;\\special=include", 0, 3, 0, -1.0},
         {"\\SPECIAL = BREAK;A=1;", 1, 0, 0, -1.0},
         {"\\SPECIAL=ADDR_OUT; \\Special=Addr_In ", 0, 0, 3, -1.0},
@@ -201,7 +198,7 @@ TEST(RowGrammarTest, FlagReadersIgnoreBlanksAndCaseButSpacingHeedsCase) {
         {"\\special=spacingfactor=2", 0, 0, 0, -1.0},
         {"", 0, 0, 0, -1.0},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.special.toStdString());
         const CKVModule module = ModuleWithSpecial(c.special);
         EXPECT_EQ(module.GetBreak(1), c.brk);
@@ -224,13 +221,12 @@ TEST(RowGrammarTest, WritersAppendOrPrependAndRebuildOnlyWhenRemoving) {
         [](CKVModule& m, int row, double value) { m.SetAddrFlags(row, int(value)); },
         [](CKVModule& m, int row, double value) { m.SetSpacingFactor(row, value); },
     };
-    struct Case {
+    const struct {
         QString before;
         Writer writer;
         double value;
         QString after;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"", Break, 1, "\\SPECIAL=BREAK"},
         {"A =1", Break, 1, "A =1;\\SPECIAL=BREAK"},
         {"A =1;\\SPECIAL=BREAK", Break, 1, "A =1;\\SPECIAL=BREAK"},
@@ -253,7 +249,7 @@ TEST(RowGrammarTest, WritersAppendOrPrependAndRebuildOnlyWhenRemoving) {
     // The stored factor keeps its "." whatever the user's locale.
     const QLocale previous;
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.before.toStdString());
         CKVModule module = ModuleWithRows({{"HP?SPACE", c.before}, {"HP?SPACE", "A =1"}});
         for (int row : {1, 3}) {  // row 3 lies outside and stays a no-op
@@ -267,12 +263,11 @@ TEST(RowGrammarTest, WritersAppendOrPrependAndRebuildOnlyWhenRemoving) {
 }
 
 TEST(RowGrammarTest, AttributeValuesAreFoundByUpperCaseSubstring) {
-    struct Case {
+    const struct {
         QString special, name;
         bool found;
         QString value;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"TAG = 7", "tag", true, " 7"},
         {"XTAG=1", "TAG", true, "1"},
         {"tag=1", "tag", false, "none"},
@@ -280,7 +275,7 @@ TEST(RowGrammarTest, AttributeValuesAreFoundByUpperCaseSubstring) {
         {"\\SPECIAL=BREAK;TAG=4;", "TAG", true, "4"},
         {"TAG=1", "", false, "none"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.special.toStdString());
         const CKVModule module = ModuleWithSpecial(c.special);
         QString value = "none";
@@ -358,17 +353,16 @@ TEST_F(RowGrammarPromptTest, PromptsWithoutLocalizedFormAreLostExceptTheLastToke
 }
 
 TEST_F(RowGrammarPromptTest, ParseAnswersWhetherARowOnePromptTokenWasMet) {
-    struct Case {
+    const struct {
         QString special;
         bool met;
         QString first;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"%%1PROMPT=TYPE;", true, ""},  // cut by ";", unknown to the store
         {"X=1;%%1PROMPT = SLOT", true, " SLOT"}, {"X=1;%%0PROMPT=SLOT", false, ""},
         {"%%APROMPT=SLOT;X=1", false, ""},       {"", false, ""},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.special.toStdString());
         CKVModule module = ModuleWithSpecial(c.special);
         EXPECT_EQ(module.ParsePromptsToArray(), c.met);
@@ -384,15 +378,14 @@ TEST_F(RowGrammarPromptTest, ParseAnswersWhetherARowOnePromptTokenWasMet) {
 
 TEST(RowGrammarTest, ApplyPromptsPlacesPromptsAndStripsRowsBehindTheStop) {
     // Per row: include/exclude value in, and R (rewritten), U (untouched), S (stripped) out.
-    struct Case {
+    const struct {
         QList<int> flags;
         QString expected;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {{0, 0, 0}, "RSS"}, {{1, 0, 1}, "RRS"}, {{2, 1, 2, 0}, "RRSS"}, {{3, 1, 1, 2}, "URUR"},
         {{1, 1, 1}, "RUU"}, {{3}, "U"},         {{2, 3, 0, 1}, "RURS"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.expected.toStdString());
         CKVModule module;
         for (int row = 1; row <= c.flags.size(); ++row) {

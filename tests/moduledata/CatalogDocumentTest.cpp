@@ -1,26 +1,15 @@
-#include "CKVModuleDB.h"
 #include "CatalogDocument.h"
+#include "StoreTestSupport.h"
 #include "TestSupport.h"
-#include "ZelPlcDbIO.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-class CatalogDocumentTest : public testing::Test {
+class CatalogDocumentTest : public StoreFileTest {
 protected:
-    void SetUp() override {
-        ZelPlcDbIO::SetInstance(&m_store);
-        const QString path = m_dir.filePath(QStringLiteral("ZEL_PLC.MDB"));
-        ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(path));
-        ASSERT_TRUE(m_db.Open(path));
-    }
-    void TearDown() override {
-        m_db.Close();
-        ZelPlcDbIO::SetInstance(nullptr);
-    }
+    void SetUp() override { CreateWithModules({}); }
     QJsonObject exported() {
         QJsonObject document;
         EXPECT_TRUE(CatalogDocument::Export(m_db, document, nullptr));
@@ -29,10 +18,6 @@ protected:
     bool import(const char* json, QString* error = nullptr) {
         return CatalogDocument::Import(m_db, QJsonDocument::fromJson(json).object(), error);
     }
-
-    QTemporaryDir m_dir;
-    ZelPlcDbIO m_store;
-    CKVModuleDB m_db;
 };
 
 TEST_F(CatalogDocumentTest, TextsPassUnchangedAndMissingKeysAreEmpty) {
@@ -54,8 +39,14 @@ TEST_F(CatalogDocumentTest, TextsPassUnchangedAndMissingKeysAreEmpty) {
     EXPECT_EQ(document.value("index").toArray().size(), 3);
 }
 
-TEST_F(CatalogDocumentTest, AnyErrorWritesNothing) {
+TEST_F(CatalogDocumentTest, AnyErrorIsNamedAndWritesNothing) {
     const QJsonObject empty = exported();
+    QString error;
+    // The reserved field is in the store but not in the document.
+    EXPECT_FALSE(import(R"({"format":"plcdb","version":1,"modules":[{"manufacturer":"M",
+        "series":"S","type":"T","spec":{"Code":"C1","Reserved":"x"}}]})",
+                        &error));
+    EXPECT_EQ(error, R"(modules[0].spec has an unknown field "Reserved")");
     const char* const bad[] = {
         R"({"format":"other","version":1})",
         R"({"format":"plcdb","version":2})",
@@ -82,17 +73,6 @@ TEST_F(CatalogDocumentTest, AnyErrorWritesNothing) {
         EXPECT_FALSE(error.isEmpty()) << json;
         EXPECT_EQ(exported(), empty) << json;
     }
-}
-
-TEST_F(CatalogDocumentTest, TheReservedFieldIsRefusedAsUnknown) {
-    const QJsonObject empty = exported();
-    QString error;
-    EXPECT_FALSE(import(R"({"format":"plcdb","version":1,
-        "modules":[{"manufacturer":"M","series":"S","type":"T",
-                    "spec":{"Code":"C1","Reserved":"x"}}]})",
-                        &error));
-    EXPECT_EQ(error, R"(modules[0].spec has an unknown field "Reserved")");
-    EXPECT_EQ(exported(), empty);
 }
 
 // Regression: a document without a version was refused as "version  of the document".

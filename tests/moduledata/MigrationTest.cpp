@@ -108,17 +108,16 @@ TEST_F(MigrationTest, OnlyAReadableOldWritableFileIsUpgraded) {
     ASSERT_TRUE(garbage.open(QIODevice::WriteOnly) && garbage.write(QByteArray(2048, 'x')) > 0);
     garbage.close();
 
-    struct Case {
+    const struct {
         QString path;
         bool requiredFromFalse, requiredFromTrue;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {m_path, false, false},
         {locked, true, true},
         {garbage.fileName(), false, true},
         {m_dir.filePath("missing.mdb"), false, true},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         EXPECT_EQ(Required(c.path, false), c.requiredFromFalse) << c.path.toStdString();
         EXPECT_EQ(Required(c.path, true), c.requiredFromTrue) << c.path.toStdString();
         EXPECT_FALSE(MigrateFile(c.path)) << c.path.toStdString();

@@ -4,7 +4,6 @@
 #include "ZelPlcDbIO.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QThread>
@@ -35,30 +34,25 @@ protected:
     // that many microseconds later; without one, lets it end. True when the child
     // finished its write; elapsedUs is the time from "ready" to the end or the kill.
     bool RunChild(const QStringList& args, int maxDelayUs, qint64* elapsedUs = nullptr) {
-        QProcess child;
-        child.start(BuildPath("store_child"), args);
-        EXPECT_TRUE(child.waitForStarted());
-        while (!child.canReadLine()) {
-            if (!child.waitForReadyRead()) {
-                ADD_FAILURE() << child.readAllStandardError().toStdString();
-                return false;
-            }
+        StoreChild child(args);
+        if (child.readLine() != "ready") {
+            ADD_FAILURE() << child.process.readAllStandardError().toStdString();
+            return false;
         }
-        EXPECT_EQ(child.readLine().trimmed(), "ready");
         QElapsedTimer clock;
         clock.start();
         if (maxDelayUs > 0) {
             // Not a wait for anything: it only spreads the kill over the write's steps.
             QThread::usleep(QRandomGenerator::global()->bounded(maxDelayUs));
-            child.kill();
+            child.process.kill();
         }
-        EXPECT_TRUE(child.waitForFinished(120000));
+        EXPECT_TRUE(child.process.waitForFinished(120000));
         if (elapsedUs) {
             *elapsedUs = clock.nsecsElapsed() / 1000;
         }
-        const bool done = child.readAllStandardOutput().contains("done");
-        EXPECT_TRUE(child.exitStatus() == QProcess::CrashExit || done)
-            << child.readAllStandardError().toStdString();
+        const bool done = child.process.readAllStandardOutput().contains("done");
+        EXPECT_TRUE(child.process.exitStatus() == QProcess::CrashExit || done)
+            << child.process.readAllStandardError().toStdString();
         return done;
     }
 

@@ -50,11 +50,7 @@ void AddModule(ZelPlcDbIO& store, const QString& manufacturer, const QString& ty
 
 class SearchTest : public StoreFileTest {
 protected:
-    void SetUp() override {
-        m_path = m_dir.filePath("ZEL_PLC.MDB");
-        ZelPlcDbIO::SetInstance(&m_store);
-        ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path) && m_db.Open(m_path));
-    }
+    void SetUp() override { CreateWithModules({}); }
 };
 
 TEST_F(SearchTest, TheIndexFindsWhatTheScanOfAFileWithoutItFinds) {

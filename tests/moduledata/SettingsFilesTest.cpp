@@ -28,24 +28,20 @@ protected:
     QTemporaryDir m_dir;
 };
 
-TEST_F(SettingsFilesTest, SettingsLinesAreTrimmedAndBlankLinesKeepTheirPlace) {
+TEST_F(SettingsFilesTest, SettingsLinesAreTrimmedBothWaysAndBlankLinesKeepTheirPlace) {
     writeBytes("KVDEFPMT.DAT", "  first  \n\n \t \r\n\tfourth\r\nfifth");
     CStringSettingsFile settings(path("KVDEFPMT.DAT"));
     QStringList lines{"old"};
     ASSERT_TRUE(settings.ReadArray(lines));
     EXPECT_EQ(lines, QStringList({"first", "", "", "fourth", "fifth"}));
-}
 
-TEST_F(SettingsFilesTest, SettingsWriteTrimsEachEntryAndReadsBackTheSame) {
-    CStringSettingsFile settings(path("KVDEFINF.DAT"));
     ASSERT_TRUE(settings.WriteList({" a b ", "", "\tc"}));
-    EXPECT_EQ(readBytes("KVDEFINF.DAT"), "a b\n\nc\n");
-    QStringList lines;
+    EXPECT_EQ(readBytes("KVDEFPMT.DAT"), "a b\n\nc\n");
     ASSERT_TRUE(settings.ReadList(lines));
     EXPECT_EQ(lines, QStringList({"a b", "", "c"}));
     // Writing again empties the file first.
     ASSERT_TRUE(settings.WriteArray({"d"}));
-    EXPECT_EQ(readBytes("KVDEFINF.DAT"), "d\n");
+    EXPECT_EQ(readBytes("KVDEFPMT.DAT"), "d\n");
 }
 
 // Regression: a line starting with U+FEFF behind blanks was written first into a file
@@ -106,7 +102,7 @@ TEST_F(SettingsFilesTest, ReadWriteReadOfASettingsFileChangesNothing) {
     EXPECT_EQ(again, paths);
 }
 
-TEST_F(SettingsFilesTest, SettingsFailuresLeaveTheLinesAsTheyWere) {
+TEST_F(SettingsFilesTest, FailuresLeaveSettingsLinesAsTheyWereAndEmptyAPathList) {
     const QStringList before{"kept", ""};
     QStringList lines = before;
     CStringSettingsFile missing(path("KVDEFTPS.DAT"));
@@ -119,9 +115,15 @@ TEST_F(SettingsFilesTest, SettingsFailuresLeaveTheLinesAsTheyWere) {
     EXPECT_FALSE(CStringSettingsFile().ReadArray(lines));
     EXPECT_FALSE(CStringSettingsFile(path("no/folder.dat")).WriteArray(before));
     EXPECT_EQ(lines, before);
+
+    CPathListFile list;
+    list.SetFolder(path("nowhere"));
+    EXPECT_FALSE(list.Read(lines));
+    EXPECT_TRUE(lines.isEmpty());
+    EXPECT_FALSE(list.Write({"<x>"}));
 }
 
-TEST_F(SettingsFilesTest, PathListKeepsFoldersAndPlaceholdersInOrder) {
+TEST_F(SettingsFilesTest, PathListKeepsFoldersAndPlaceholdersInOrderBothWays) {
     writeBytes("blkplist.txt",
                "; comment\n"
                ":C:\\blocks\n"
@@ -132,34 +134,22 @@ TEST_F(SettingsFilesTest, PathListKeepsFoldersAndPlaceholdersInOrder) {
                "\t<GBL_kv_lib> \n"
                ":\n");
     CPathListFile list;
-    list.SetFolder(m_dir.path());
+    // Either separator ends the folder; a null folder changes nothing.
+    list.SetFolder(m_dir.path() + "\\");
+    list.SetFolder(QString());
     QStringList paths{"old"};
     ASSERT_TRUE(list.Read(paths));
     EXPECT_EQ(paths, QStringList({NativePath("C:/blocks/"), "<x>", NativePath("/opt/blk/"),
                                   "<GBL_kv_lib>", ""}));
-}
 
-TEST_F(SettingsFilesTest, PathListWriteThenReadGivesTheSameList) {
-    const QStringList paths{NativePath("C:/a/"), "<x>", NativePath("/b/c/")};
-    CPathListFile list;
-    // Either separator ends the folder; a null folder changes nothing.
-    list.SetFolder(m_dir.path() + "\\");
-    list.SetFolder(QString());
+    paths.removeLast();
     ASSERT_TRUE(list.Write(paths));
-    EXPECT_EQ(readBytes("blkplist.txt"),
-              (":" + NativePath("C:/a/") + "\n<x>\n:" + NativePath("/b/c/") + "\n").toUtf8());
+    EXPECT_EQ(readBytes("blkplist.txt"), (":" + NativePath("C:/blocks/") +
+                                          "\n<x>\n:" + NativePath("/opt/blk/") + "\n<GBL_kv_lib>\n")
+                                             .toUtf8());
     QStringList read;
     ASSERT_TRUE(list.Read(read));
     EXPECT_EQ(read, paths);
-}
-
-TEST_F(SettingsFilesTest, MissingPathListAnswersFalseWithAnEmptyList) {
-    CPathListFile list;
-    list.SetFolder(path("nowhere"));
-    QStringList paths{"old"};
-    EXPECT_FALSE(list.Read(paths));
-    EXPECT_TRUE(paths.isEmpty());
-    EXPECT_FALSE(list.Write({"<x>"}));
 }
 
 }  // namespace

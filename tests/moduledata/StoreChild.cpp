@@ -118,77 +118,54 @@ int ImportOnce(CKVModuleDB& db, const QString& run, int count) {
     return 0;
 }
 
-class Writer {
-public:
-    Writer(CKVModuleDB& db, const QString& writer) : m_db(db), m_writer(writer) {}
-
-    int Run(int count) {
-        if (!m_db.GetTypeTableName("M", "S", "T", m_table)) {
-            return Refuse("no table for M / S / T", m_db);
-        }
-        m_save = m_db.LoadModule(m_table, QStringLiteral("W%1-SAVE").arg(m_writer), true);
-        if (m_save < 0) {
-            return Refuse("cannot load the module to save", m_db);
-        }
-        Say(QStringLiteral("ready"));
-        char go[8];
-        if (!std::fgets(go, sizeof go, stdin)) {
-            return 1;
-        }
-        for (int write = 1; write <= count; ++write) {
-            QElapsedTimer clock;
-            clock.start();
-            QString kind;
-            QString key;
-            QString reason;
-            const bool ok = Write(write, kind, key, reason);
-            Say(ok ? QStringLiteral("ok %1 %2").arg(kind, key)
-                   : QStringLiteral("fail %1 %2 %3 %4")
-                         .arg(kind, key)
-                         .arg(clock.elapsed())
-                         .arg(reason));
-        }
-        return 0;
+// The write mode: an import, a save and a rename in turn, each reported on a line.
+int WriteInTurn(CKVModuleDB& db, const QString& writer, int count) {
+    QString table;
+    if (!db.GetTypeTableName("M", "S", "T", table)) {
+        return Refuse("no table for M / S / T", db);
     }
-
-private:
-    bool Write(int write, QString& kind, QString& key, QString& reason) {
-        switch (write % 3) {
-            case 0: {
-                kind = QStringLiteral("import");
-                key = QStringLiteral("W%1-I%2").arg(m_writer).arg(write);
-                return CatalogDocument::Import(m_db, Document({key}), &reason);
-            }
-            case 1: {
-                kind = QStringLiteral("save");
-                key = QStringLiteral("w%1-s%2").arg(m_writer).arg(write);
-                SetRows(m_db.GetModule(m_save), {key + u';'});
-                return m_db.SaveModule(m_save) || Reason(reason);
-            }
-            default: {
-                kind = QStringLiteral("rename");
-                key = QStringLiteral("W%1-NAME-%2").arg(m_writer).arg(m_renames + 1);
-                const QString old = QStringLiteral("W%1-NAME-%2").arg(m_writer).arg(m_renames);
-                if (!m_db.RenameModule(m_table, old, key)) {
-                    return Reason(reason);
-                }
-                ++m_renames;
-                return true;
-            }
+    const int save = db.LoadModule(table, QStringLiteral("W%1-SAVE").arg(writer), true);
+    if (save < 0) {
+        return Refuse("cannot load the module to save", db);
+    }
+    Say(QStringLiteral("ready"));
+    char go[8];
+    if (!std::fgets(go, sizeof go, stdin)) {
+        return 1;
+    }
+    int renames = 0;
+    for (int write = 1; write <= count; ++write) {
+        QElapsedTimer clock;
+        clock.start();
+        QString kind, key, reason;
+        bool ok = false;
+        if (write % 3 == 0) {
+            kind = QStringLiteral("import");
+            key = QStringLiteral("W%1-I%2").arg(writer).arg(write);
+            ok = CatalogDocument::Import(db, Document({key}), &reason);
+        } else if (write % 3 == 1) {
+            kind = QStringLiteral("save");
+            key = QStringLiteral("w%1-s%2").arg(writer).arg(write);
+            SetRows(db.GetModule(save), {key + u';'});
+            ok = db.SaveModule(save);
+        } else {
+            kind = QStringLiteral("rename");
+            key = QStringLiteral("W%1-NAME-%2").arg(writer).arg(renames + 1);
+            ok =
+                db.RenameModule(table, QStringLiteral("W%1-NAME-%2").arg(writer).arg(renames), key);
+            renames += ok ? 1 : 0;
         }
+        if (!ok && reason.isEmpty()) {
+            reason = ZelPlcDbIO::Instance()->m_strLastError;
+        }
+        Say(ok ? QStringLiteral("ok %1 %2").arg(kind, key)
+               : QStringLiteral("fail %1 %2 %3 %4")
+                     .arg(kind, key)
+                     .arg(clock.elapsed())
+                     .arg(reason));
     }
-
-    static bool Reason(QString& reason) {
-        reason = ZelPlcDbIO::Instance()->m_strLastError;
-        return false;
-    }
-
-    CKVModuleDB& m_db;
-    QString m_writer;
-    QString m_table;
-    int m_save = -1;
-    int m_renames = 0;
-};
+    return 0;
+}
 
 bool HoldCommand(CKVModuleDB& db, const QStringList& words) {
     QString table;
@@ -252,7 +229,7 @@ int main(int argc, char** argv) {
         return ImportOnce(db, args[3], args[4].toInt());
     }
     if (mode == QStringLiteral("write")) {
-        return Writer(db, args[3]).Run(args[4].toInt());
+        return WriteInTurn(db, args[3], args[4].toInt());
     }
     std::fprintf(stderr, "unknown mode %s\n", qPrintable(mode));
     return 2;

@@ -3,6 +3,7 @@
 #include "CKVModuleDB.h"
 #include "SqliteDb.h"
 #include "SqliteStatement.h"
+#include "TestSupport.h"
 
 QString IntegrityCheck(const QString& path) {
     SqliteDb db;
@@ -24,6 +25,36 @@ QStringList LoadRowTexts(CKVModuleDB& db, const QString& table, const QString& c
     return texts;
 }
 
+StoreChild::StoreChild(const QStringList& args) {
+    process.start(BuildPath("store_child"), args);
+    EXPECT_TRUE(process.waitForStarted());
+}
+
+StoreChild::~StoreChild() {
+    finish();
+}
+
+int StoreChild::finish(int timeoutMs) {
+    process.closeWriteChannel();
+    return process.waitForFinished(timeoutMs) || process.state() == QProcess::NotRunning
+               ? process.exitCode()
+               : -1;
+}
+
+QString StoreChild::readLine() {
+    while (!process.canReadLine()) {
+        if (!process.waitForReadyRead()) {
+            return QString();
+        }
+    }
+    return QString::fromUtf8(process.readLine()).trimmed();
+}
+
+QString StoreChild::command(const QString& line) {
+    process.write((line + u'\n').toUtf8());
+    return readLine();
+}
+
 void StoreFileTest::CreateWithModules(std::initializer_list<const char*> catalogs) {
     ASSERT_TRUE(m_dir.isValid());
     m_path = m_dir.filePath("ZEL_PLC.MDB");
@@ -35,7 +66,7 @@ void StoreFileTest::CreateWithModules(std::initializer_list<const char*> catalog
         ASSERT_GT(handle, 0);
         ASSERT_TRUE(m_db.SaveModule(handle));
     }
-    ASSERT_TRUE(m_db.GetTypeTableName("M", "S", "T", m_table));
+    ASSERT_EQ(m_db.GetTypeTableName("M", "S", "T", m_table), catalogs.size() > 0);
 }
 
 void StoreFileTest::TearDown() {

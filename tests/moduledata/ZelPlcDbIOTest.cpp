@@ -134,40 +134,32 @@ protected:
     ZelPlcDbIO m_store;
 };
 
-TEST_F(ZelPlcDbIOTest, IndexComesGroupedAndSortedWithoutRegardToCase) {
+// The index rows as "Manufacturer|Series|Type", a type row (one with a table) marked "*".
+QStringList IndexRows(ZelPlcDbIO& store) {
+    QList<ModDB::IndexData> rows;
+    EXPECT_TRUE(store.GetArrayOfAllIndexData(rows));
+    QStringList texts;
+    for (const ModDB::IndexData& row : rows) {
+        EXPECT_FALSE(row.Series.isNull());
+        texts << QStringList{row.Manufacturer, row.Series, row.Type}.join('|') +
+                     (row.TableName.isEmpty() ? "" : "*");
+    }
+    return texts;
+}
+
+TEST_F(ZelPlcDbIOTest, IndexComesGroupedAndSortedWithoutRegardToCaseEmptyNamesFirst) {
     EXPECT_TRUE(m_store.AddIndexData("Zeta", QString(), QString()));
     addType("acme", "S2", "T1");
     EXPECT_TRUE(m_store.AddIndexData("ACME", "s1", QString()));
     addType("Acme", "S1", "T2");
     addType("ACME", "s2", "a0");
-
-    QList<ModDB::IndexData> rows;
-    ASSERT_TRUE(m_store.GetArrayOfAllIndexData(rows));
-    const QStringList expected{"acme||",     "ACME|s1|",   "Acme|S1|T2", "acme|S2|",
-                               "ACME|s2|a0", "acme|S2|T1", "Zeta||"};
-    QStringList got;
-    for (const ModDB::IndexData& row : rows) {
-        got << QStringList{row.Manufacturer, row.Series, row.Type}.join('|');
-        // A table name belongs to a type row only.
-        EXPECT_EQ(row.TableName.isEmpty(), row.Type.isEmpty()) << got.last().toStdString();
-    }
-    EXPECT_EQ(got, expected);
-    EXPECT_FALSE(rows.first().Series.isNull());
-}
-
-TEST_F(ZelPlcDbIOTest, EmptyNamesComeFirstYetBelowTheRowAboveThem) {
+    // An empty name sorts first, yet below the row it belongs to.
     addType("M", "S", "");
     addType("M", "", "T");
     addType("M", "", "");
-    QList<ModDB::IndexData> rows;
-    ASSERT_TRUE(m_store.GetArrayOfAllIndexData(rows));
-    QStringList got;
-    for (const ModDB::IndexData& row : rows) {
-        got << QStringList{row.Manufacturer, row.Series, row.Type}.join('|') +
-                   (row.TableName.isEmpty() ? "" : "*");
-    }
-    // A type row is marked by its table.
-    EXPECT_EQ(got, QStringList({"M||", "M||", "M||*", "M||T*", "M|S|", "M|S|*"}));
+    EXPECT_EQ(IndexRows(m_store), QStringList({"acme||", "ACME|s1|", "Acme|S1|T2*", "acme|S2|",
+                                               "ACME|s2|a0*", "acme|S2|T1*", "M||", "M||", "M||*",
+                                               "M||T*", "M|S|", "M|S|*", "Zeta||"}));
 }
 
 TEST_F(ZelPlcDbIOTest, NamesAreUniquePerLevelWithoutRegardToCaseUnicodeIncluded) {
@@ -180,17 +172,16 @@ TEST_F(ZelPlcDbIOTest, NamesAreUniquePerLevelWithoutRegardToCaseUnicodeIncluded)
     EXPECT_TRUE(m_store.AddIndexData("Other", "ärger", QString()));
     EXPECT_FALSE(m_store.AddIndexData(QString(), "S", "T"));
 
-    struct Case {
+    const struct {
         QString manufacturer, series, type;
         bool exists;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"äRGER", QString(), QString(), true},   {"ÄRGER", "σειρά", QString(), true},
         {"ärger", "ΣΕΙΡΆ", "t", true},           {"ärger", "ΣΕΙΡΆ", "u", false},
         {"other", QString(), QString(), true},   {"Other", "ärger", "T", false},
         {"nobody", QString(), QString(), false},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         bool exists = !c.exists;
         EXPECT_TRUE(m_store.DoesIndexDataExist(c.manufacturer, c.series, c.type, exists));
         EXPECT_EQ(exists, c.exists)
@@ -208,11 +199,10 @@ TEST_F(ZelPlcDbIOTest, RenameChangesTheLowestGivenLevelAndRefusesATakenName) {
     addType("M", "R", "T");
     EXPECT_TRUE(m_store.AddIndexData("N", QString(), QString()));
 
-    struct Case {
+    const struct {
         QString manufacturer, series, type, newName;
         bool ok;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"M", "S", "T", "u", false},
         {"M", "S", "T", "V", true},
         {"M", "s", QString(), "r", false},
@@ -223,7 +213,7 @@ TEST_F(ZelPlcDbIOTest, RenameChangesTheLowestGivenLevelAndRefusesATakenName) {
         {"Gone", QString(), QString(), "X", false},
         {"L", "Q", "V", QString(), false},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         EXPECT_EQ(m_store.RenameIndexData(c.manufacturer, c.series, c.type, c.newName), c.ok)
             << c.manufacturer.toStdString() << "/" << c.newName.toStdString();
     }
@@ -340,16 +330,15 @@ TEST_F(ZelPlcDbIOTest, EachFileOpensOnlyInTheModesItAllows) {
         ASSERT_TRUE(other.exec("CREATE TABLE plc_index (x)"));
     }
 
-    struct Case {
+    const struct {
         QString path;
         bool shared, read, exclusive;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {writable, true, true, true},   {locked, false, true, true},
         {garbage, false, false, false}, {foreign, false, false, false},
         {missing, false, false, false}, {m_dir.path(), false, false, false},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         ZelPlcDbIO store;
         EXPECT_EQ(store.PutConnectionString(ConnectionText(c.path, kShared)), c.shared)
             << c.path.toStdString();
@@ -367,11 +356,10 @@ TEST_F(ZelPlcDbIOTest, ConnectionTextsInTheirUsualForms) {
     ASSERT_TRUE(QDir(m_dir.path()).mkdir("a;b"));
     const QString odd = m_dir.filePath("a;b/ZEL_PLC.MDB");
     ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(odd));
-    struct Case {
+    const struct {
         QString text;
         bool opens, writable;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"Data Source=" + m_path, true, true},
         {"Provider;data source = " + m_path + " ; MODE = read", true, false},
         {"Data Source=\"" + odd + "\";Mode=Read|Share Deny Write", true, false},
@@ -380,7 +368,7 @@ TEST_F(ZelPlcDbIOTest, ConnectionTextsInTheirUsualForms) {
         {"Source=" + m_path, false, false},
         {"Mode=Read", false, false},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         ZelPlcDbIO store;
         EXPECT_EQ(store.PutConnectionString(c.text), c.opens) << c.text.toStdString();
         EXPECT_EQ(store.UpdateStyleBoxData(1, ModDB::StyleBoxData()), c.writable)
