@@ -3,6 +3,7 @@
 // alone; moving the current row of such a grid, which makes the attribute grid save
 // and show a row, is measured on its own.
 
+#include "BenchStore.h"
 #include "CAttribGridWnd.h"
 #include "CBlockDescEx.h"
 #include "CKVModuleDB.h"
@@ -27,17 +28,6 @@ constexpr int kBlocks = 40;
 constexpr int kUsedBlock = 20;
 
 const QString kCatalog = QStringLiteral("BIG-1");
-
-QTemporaryDir& Folder() {
-    static QTemporaryDir folder;
-    return folder;
-}
-
-ZelPlcDbIO& Store() {
-    static ZelPlcDbIO store;
-    ZelPlcDbIO::SetInstance(&store);
-    return store;
-}
 
 CBlockDescEx& Blocks() {
     static CBlockDescEx blocks;

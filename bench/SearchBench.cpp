@@ -2,6 +2,7 @@
 // the same query as a LIKE scan over the same rows, one run each, in one database of
 // 100,000 modules. The goal is under 20 ms and at most a tenth of the scan.
 
+#include "BenchStore.h"
 #include "RatioReporter.h"
 #include "ZelPlcDbIO.h"
 
@@ -99,17 +100,6 @@ QString Catalog(std::mt19937& random, int maker, int type, int serial) {
         default:
             return QStringLiteral("%1-%2/%3").arg(digits(3)).arg(digits(3)).arg(serial);
     }
-}
-
-QTemporaryDir& Folder() {
-    static QTemporaryDir folder;
-    return folder;
-}
-
-ZelPlcDbIO& Store() {
-    static ZelPlcDbIO store;
-    ZelPlcDbIO::SetInstance(&store);
-    return store;
 }
 
 // The database of kModules modules, made once through the store.

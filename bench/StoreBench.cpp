@@ -1,6 +1,7 @@
 // Speed of the module store against raw SQLite doing the same rows, in one run.
 // The ratios printed at the end are the figures that matter; absolute times vary.
 
+#include "BenchStore.h"
 #include "CKVModuleDB.h"
 #include "RatioReporter.h"
 #include "ZelPlcDbIO.h"
@@ -22,22 +23,11 @@ constexpr int kRows = 10000;
 constexpr int kIndexRows = 100000;
 constexpr int kCatalogs = 10000;
 
-QTemporaryDir& Folder() {
-    static QTemporaryDir folder;
-    return folder;
-}
-
 QString FreshDatabase(const QString& name) {
     const QString path = Folder().filePath(name);
     QFile::remove(path);
     ZelPlcDbIO::CreateDatabase(path);
     return path;
-}
-
-ZelPlcDbIO& Store() {
-    static ZelPlcDbIO store;
-    ZelPlcDbIO::SetInstance(&store);
-    return store;
 }
 
 // A module of kRows terminal rows in a type of its own.
