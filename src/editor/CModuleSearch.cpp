@@ -156,10 +156,11 @@ void CModuleSearch::RevealSelection() {
     m_tree->scrollToItem(item);
 }
 
-bool CModuleSearch::OnFieldKey(int key) {
+bool CModuleSearch::OnKey(const QObject* watched, int key) {
+    const bool inField = watched == m_field;
     // An empty field leaves every key to the dialog: Return still confirms a selection
     // made in the tree, and the cancel key still closes.
-    if (m_field->text().isEmpty()) {
+    if (inField && m_field->text().isEmpty()) {
         return false;
     }
     switch (key) {
@@ -169,25 +170,15 @@ bool CModuleSearch::OnFieldKey(int key) {
             return true;
         case Qt::Key_Escape:
             Clear();
+            m_field->setFocus();
             return true;
         case Qt::Key_Down:
         case Qt::Key_Up:
+            // The list moves by itself; from the field the keys move it.
+            if (!inField) {
+                return false;
+            }
             MoveCurrent(key == Qt::Key_Down ? 1 : -1);
-            return true;
-        default:
-            return false;
-    }
-}
-
-bool CModuleSearch::OnListKey(int key) {
-    switch (key) {
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-            ChooseCurrent();
-            return true;
-        case Qt::Key_Escape:
-            Clear();
-            m_field->setFocus();
             return true;
         default:
             return false;
@@ -198,12 +189,8 @@ bool CModuleSearch::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress) {
         return QWidget::eventFilter(watched, event);
     }
-    const int key = static_cast<QKeyEvent*>(event)->key();
-    if (watched == m_field) {
-        return OnFieldKey(key);
-    }
-    if (watched == m_matches) {
-        return OnListKey(key);
+    if (watched == m_field || watched == m_matches) {
+        return OnKey(watched, static_cast<QKeyEvent*>(event)->key());
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -51,8 +51,8 @@ private:
     void ChooseCurrent();
     void Choose(QTreeWidgetItem* row);
     void RevealSelection();
-    bool OnFieldKey(int key);
-    bool OnListKey(int key);
+    // The keys of the field and of the list of matches; true when the search took it.
+    bool OnKey(const QObject* watched, int key);
 
     CModuleTree* m_tree;
     QLineEdit* m_field;
