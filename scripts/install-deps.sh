@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(
     cmake ninja-build g++ pkg-config clang-format clang-tidy clang libclang-rt-14-dev
-    qt6-base-dev libsqlite3-dev sqlite3
+    qt6-base-dev libsqlite3-dev sqlite3 libpq-dev postgresql
     libgtest-dev libgmock-dev libbenchmark-dev
     sbcl
 )

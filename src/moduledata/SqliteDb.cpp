@@ -1,5 +1,7 @@
 #include "SqliteDb.h"
 
+#include "StoreFailure.h"
+
 #include <QFile>
 #include <QUrl>
 
@@ -19,6 +21,26 @@ QString ErrorText(sqlite3* handle) {
     }
     return QString::fromUtf16(static_cast<const char16_t*>(sqlite3_errmsg16(handle)));
 }
+
+// A statement of the cache lent out as a statement of the store.
+class SqliteQuery : public StoreQuery {
+public:
+    explicit SqliteQuery(SqliteStatement statement) : m_statement(std::move(statement)) {}
+
+    void bindText(int position, const QString& value) override {
+        m_statement.bind(position, value);
+    }
+    void bindInt64(int position, qint64 value) override { m_statement.bindInt64(position, value); }
+    void bindNull(int position) override { m_statement.bindNull(position); }
+    bool next() override { return m_statement.next(); }
+    bool failed() const override { return m_statement.failed(); }
+    QByteArrayView utf8(int column) const override { return m_statement.utf8(column); }
+    qint64 toInt64(int column) const override { return m_statement.toInt64(column); }
+    bool isNull(int column) const override { return m_statement.isNull(column); }
+
+private:
+    SqliteStatement m_statement;
+};
 
 }  // namespace
 
@@ -110,6 +132,22 @@ SqliteStatement SqliteDb::prepare(const QString& sql) {
         }
     }
     return SqliteStatement(this, sql, statement);
+}
+
+StoreStatement SqliteDb::query(const QString& sql) {
+    SqliteStatement statement = prepare(sql);
+    if (!statement.isValid()) {
+        return {};
+    }
+    return StoreStatement(std::make_unique<SqliteQuery>(std::move(statement)));
+}
+
+QString SqliteDb::failureText() const {
+    return StoreFailure::Describe(*this);
+}
+
+bool SqliteDb::failedOnLock() const {
+    return StoreFailure::IsLock(*this);
 }
 
 void SqliteDb::recycle(const QString& sql, sqlite3_stmt* statement) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "SqliteStatement.h"
+#include "StoreDb.h"
 
 #include <QHash>
 #include <QString>
@@ -13,17 +14,13 @@ struct sqlite3_stmt;
 // in WAL mode beside it and leaves them behind when it closes.
 enum class SqliteOpenMode { ReadWrite, ReadOnly, Create };
 
-// One connection to an SQLite file. Failures answer false (or an invalid statement)
-// and leave a text in lastError(); nothing throws. Prepared statements are cached by
-// their SQL text for the life of the connection.
-//
-// Transactions nest: the outermost begin starts a real transaction, inner ones are
-// savepoints, so an inner rollback undoes only its own part and nothing is written
-// before the outermost commit.
-class SqliteDb {
+// One connection to an SQLite file. Prepared statements are cached by their SQL text
+// for the life of the connection. Besides the store's operations it has those that only
+// a file has: its schema version, journal, locking and backup.
+class SqliteDb : public StoreDb {
 public:
     SqliteDb();
-    ~SqliteDb();
+    ~SqliteDb() override;
     SqliteDb(const SqliteDb&) = delete;
     SqliteDb& operator=(const SqliteDb&) = delete;
 
@@ -34,9 +31,9 @@ public:
     void close();
     bool isOpen() const { return m_handle != nullptr; }
     // True on a read-only open and after setQueryOnly.
-    bool isReadOnly() const;
+    bool isReadOnly() const override;
     const QString& path() const { return m_path; }
-    const QString& lastError() const { return m_lastError; }
+    const QString& lastError() const override { return m_lastError; }
     // SQLite's extended result code of the last failure; SQLITE_ERROR for one of our own.
     int lastCode() const { return m_lastCode; }
     int busyTimeout() const { return m_busyTimeoutMs; }
@@ -44,10 +41,10 @@ public:
     int lastWait() const { return m_waitedMs; }
 
     // Runs one or more statements without parameters.
-    bool exec(const QString& sql);
+    bool exec(const QString& sql) override;
     SqliteStatement prepare(const QString& sql);
-    // Rows changed by the last insert, update or delete.
-    int changes() const;
+    StoreStatement query(const QString& sql) override;
+    int changes() const override;
     qint64 lastInsertRowId() const;
 
     bool userVersion(int& version);
@@ -65,10 +62,12 @@ public:
     // Writes a consistent copy of the whole database to a new file at path.
     bool backupTo(const QString& path);
 
-    bool beginTransaction();
-    bool commitTransaction();
-    void rollbackTransaction();
-    int transactionDepth() const { return m_depth; }
+    bool beginTransaction() override;
+    bool commitTransaction() override;
+    void rollbackTransaction() override;
+    int transactionDepth() const override { return m_depth; }
+    QString failureText() const override;
+    bool failedOnLock() const override;
 
 private:
     friend class SqliteStatement;

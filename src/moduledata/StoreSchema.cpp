@@ -4,7 +4,7 @@
 #include "SearchIndex.h"
 #include "SqliteDb.h"
 #include "SqliteStatement.h"
-#include "SqliteTransaction.h"
+#include "StoreTransaction.h"
 #include "StoreFailure.h"
 
 #include <QFile>
@@ -153,7 +153,7 @@ bool Create(SqliteDb& db, int version) {
                        "(7), (8), (9)"),
         QStringLiteral("PRAGMA user_version = %1").arg(version),
     };
-    SqliteTransaction transaction(db);
+    StoreTransaction transaction(db);
     return transaction.isActive() && db.exec(statements.join(QLatin1String("; "))) &&
            (!SearchIndex::IsIn(version) || SearchIndex::Create(db)) && transaction.commit();
 }

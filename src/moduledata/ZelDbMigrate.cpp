@@ -1,7 +1,7 @@
 #include "ZelDbMigrate.h"
 
 #include "SqliteDb.h"
-#include "SqliteTransaction.h"
+#include "StoreTransaction.h"
 #include "StoreSchema.h"
 #include "ZelPlcDbIO.h"
 #include "ZelUtils.h"
@@ -45,7 +45,7 @@ bool Upgrade(SqliteDb& db, const QString& path, int version) {
     if (!DataVersion(db, before) || !db.backupTo(backup)) {
         return false;
     }
-    SqliteTransaction transaction(db);
+    StoreTransaction transaction(db);
     int after = 0;
     int current = 0;
     if (!transaction.isActive() || !DataVersion(db, after) || after != before ||

@@ -1,7 +1,10 @@
 #include "ZelPlcDbIO.h"
 
+#include "PgDb.h"
+#include "PgSchema.h"
 #include "SqliteDb.h"
 #include "StoreFailure.h"
+#include "StoreLocation.h"
 #include "StoreSchema.h"
 #include "ZelUtils.h"
 
@@ -73,12 +76,16 @@ void ApplyMode(const QString& mode, ConnectionTarget& target) {
 
 bool ParseConnection(const QString& text, ConnectionTarget& target) {
     const QHash<QString, QString> pairs = ConnectionPairs(text);
-    target.path = NativePath(pairs.value(QStringLiteral("data source")));
+    const QString source = pairs.value(QStringLiteral("data source"));
+    target.path = StoreLocation::IsServer(source) ? source : NativePath(source);
     ApplyMode(pairs.value(QStringLiteral("mode")), target);
     return !target.path.isEmpty();
 }
 
 bool SameFile(const QString& a, const QString& b) {
+    if (StoreLocation::IsServer(a) || StoreLocation::IsServer(b)) {
+        return a == b;
+    }
     const QString canonical = QFileInfo(a).canonicalFilePath();
     return !canonical.isEmpty() && canonical == QFileInfo(b).canonicalFilePath();
 }
@@ -105,6 +112,9 @@ void ZelPlcDbIO::SetInstance(ZelPlcDbIO* store) {
 }
 
 bool ZelPlcDbIO::CreateDatabase(const QString& path, QString* error) {
+    if (StoreLocation::IsServer(path)) {
+        return PgSchema::CreateIn(path, error);
+    }
     return StoreSchema::CreateFile(path, kSchemaVersion, error);
 }
 
@@ -116,18 +126,32 @@ bool ZelPlcDbIO::PutConnectionString(const QString& connection) {
     if (!ParseConnection(connection, target)) {
         return Fail(QStringLiteral("the connection names no data source"));
     }
-    // The old connection stays unless it is to the same file, whose locks it might hold.
-    if (m_db && SameFile(m_db->path(), target.path)) {
+    // The old connection stays unless it is to the same store, whose locks it might hold.
+    if (m_db && SameFile(m_location, target.path)) {
         CloseConnection();
     }
-    auto db = std::make_unique<SqliteDb>();
+    std::unique_ptr<StoreDb> db;
+    SqliteDb* file = nullptr;
     int version = 0;
     QString error;
-    if (!StoreSchema::Open(*db, target.path, AccessOf(target), version, error)) {
-        return Fail(error, StoreFailure::IsLock(*db));
+    if (StoreLocation::IsServer(target.path)) {
+        auto server = std::make_unique<PgDb>();
+        if (!PgSchema::Open(*server, target.path, AccessOf(target), version, error)) {
+            return Fail(error, server->failedOnLock());
+        }
+        db = std::move(server);
+    } else {
+        auto opened = std::make_unique<SqliteDb>();
+        if (!StoreSchema::Open(*opened, target.path, AccessOf(target), version, error)) {
+            return Fail(error, StoreFailure::IsLock(*opened));
+        }
+        file = opened.get();
+        db = std::move(opened);
     }
     CloseConnection();
     m_db = std::move(db);
+    m_file = file;
+    m_location = target.path;
     m_connection = connection;
     m_schemaVersion = version;
     return true;
@@ -138,7 +162,7 @@ bool ZelPlcDbIO::LastFailureWasLock() const {
 }
 
 void ZelPlcDbIO::ReleaseFile(const QString& path) {
-    if (m_db && SameFile(m_db->path(), path)) {
+    if (m_db && SameFile(m_location, path)) {
         const QString connection = m_connection;
         CloseConnection();
         m_connection = connection;
@@ -148,6 +172,8 @@ void ZelPlcDbIO::ReleaseFile(const QString& path) {
 
 void ZelPlcDbIO::CloseConnection() {
     m_db.reset();
+    m_file = nullptr;
+    m_location.clear();
     m_connection.clear();
     m_schemaVersion = 0;
     m_released = false;
@@ -156,7 +182,7 @@ void ZelPlcDbIO::CloseConnection() {
     m_promptsLoaded = false;
 }
 
-SqliteDb* ZelPlcDbIO::Connection() {
+StoreDb* ZelPlcDbIO::Connection() {
     if (!m_db && m_released) {
         const QString connection = m_connection;
         m_connection.clear();
@@ -172,8 +198,8 @@ SqliteDb* ZelPlcDbIO::Connection() {
     return m_db.get();
 }
 
-SqliteDb* ZelPlcDbIO::WritableConnection() {
-    SqliteDb* db = Connection();
+StoreDb* ZelPlcDbIO::WritableConnection() {
+    StoreDb* db = Connection();
     if (!db) {
         return nullptr;
     }
@@ -182,8 +208,8 @@ SqliteDb* ZelPlcDbIO::WritableConnection() {
                                               : StoreFailure::ReadingOnly());
         return nullptr;
     }
-    if (!m_logChosen && db->transactionDepth() == 0) {
-        ChooseLog(*db);
+    if (m_file && !m_logChosen && db->transactionDepth() == 0) {
+        ChooseLog(*m_file);
     }
     return db;
 }
@@ -207,12 +233,12 @@ bool ZelPlcDbIO::Fail(const QString& message, bool lock) {
 }
 
 bool ZelPlcDbIO::FailDb() {
-    return m_db ? Fail(StoreFailure::Describe(*m_db), StoreFailure::IsLock(*m_db))
+    return m_db ? Fail(m_db->failureText(), m_db->failedOnLock())
                 : Fail(QStringLiteral("no database is open"));
 }
 
 bool ZelPlcDbIO::BeginTransaction() {
-    SqliteDb* db = WritableConnection();
+    StoreDb* db = WritableConnection();
     return db && (db->beginTransaction() || FailDb());
 }
 

@@ -11,7 +11,8 @@
 #include <memory>
 
 class SqliteDb;
-class SqliteStatement;
+class StoreDb;
+class StoreStatement;
 
 // The one process-wide store: a module database file over SQLite. Every operation
 // answers true on success and never throws. A null QString stands for an absent
@@ -118,8 +119,8 @@ private:
 
     // The open connection, opened again after ReleaseFile; null with an error text when
     // there is none. The writable one is also null on a read-only connection.
-    SqliteDb* Connection();
-    SqliteDb* WritableConnection();
+    StoreDb* Connection();
+    StoreDb* WritableConnection();
     void CloseConnection();
     void ChooseLog(SqliteDb& db);
     bool Fail(const QString& message, bool lock = false);
@@ -127,16 +128,20 @@ private:
     QString SpecSelectList() const;
     bool WriteSpec(const QString& sql, const QString& table, const QString& code,
                    const ModDB::ModSpecData& record, bool& changed);
-    static void BindLevel(SqliteStatement& statement, const IndexLevel& level);
+    static void BindLevel(StoreStatement& statement, const IndexLevel& level);
     bool FindIndexRows(const IndexLevel& level, bool& exists);
     bool IndexNameTaken(const IndexLevel& level, const QString& newName, bool& taken);
-    bool InsertIndexRow(SqliteDb& db, const IndexLevel& level);
+    bool InsertIndexRow(StoreDb& db, const IndexLevel& level);
     bool SeekModules(SqliteDb& db, const QString& fragment, int limit,
                      QList<ModDB::ModuleMatch>& matches);
-    bool CollectMatches(SqliteStatement& statement, const QString& fragment, int limit,
+    bool CollectMatches(StoreStatement& statement, const QString& fragment, int limit,
                         QList<ModDB::ModuleMatch>& matches);
 
-    std::unique_ptr<SqliteDb> m_db;
+    std::unique_ptr<StoreDb> m_db;
+    // The same connection when the store is a file, for what only a file has.
+    SqliteDb* m_file = nullptr;
+    // The file's path or the server's connection text.
+    QString m_location;
     QString m_connection;
     int m_schemaVersion = 0;
     bool m_released = false;

@@ -1,8 +1,8 @@
 // The index of manufacturers, series and types.
 #include "ZelPlcDbIO.h"
 
-#include "SqliteDb.h"
-#include "SqliteTransaction.h"
+#include "StoreDb.h"
+#include "StoreTransaction.h"
 
 // The names down to the lowest level meant: 1 manufacturer, 2 series, 3 type, 0 when
 // not even a manufacturer is given. Names below the level are empty.
@@ -40,7 +40,7 @@ class RepeatedText {
 public:
     explicit RepeatedText(int column) : m_column(column) {}
 
-    const QString& read(const SqliteStatement& statement) {
+    const QString& read(const StoreStatement& statement) {
         const QByteArrayView bytes = statement.utf8(m_column);
         if (!m_read || bytes != m_bytes) {
             m_bytes = bytes.toByteArray();
@@ -70,7 +70,7 @@ const char* const kRenameSql[3] = {
 
 }  // namespace
 
-void ZelPlcDbIO::BindLevel(SqliteStatement& statement, const IndexLevel& level) {
+void ZelPlcDbIO::BindLevel(StoreStatement& statement, const IndexLevel& level) {
     for (int place = 0; place < 3; ++place) {
         statement.bind(place + 1, level.key(place));
     }
@@ -87,14 +87,14 @@ bool ZelPlcDbIO::GetArrayOfAllIndexData(QList<ModDB::IndexData>& rows) {
 }
 
 bool ZelPlcDbIO::VisitAllIndexData(const std::function<void(const ModDB::IndexData&)>& visit) {
-    SqliteDb* db = Connection();
+    StoreDb* db = Connection();
     if (!db) {
         return false;
     }
     // The order of the unique key, so that no sort is needed: the names below the level
     // of a row are empty, so a manufacturer's own row comes before its series and a
     // series' own row before its types.
-    SqliteStatement statement = db->prepare(
+    StoreStatement statement = db->query(
         QStringLiteral("SELECT manufacturer, series, type, table_name FROM plc_index ORDER BY "
                        "manufacturer_key, series_key, type_key, level"));
     RepeatedText manufacturer(0);
@@ -112,12 +112,12 @@ bool ZelPlcDbIO::VisitAllIndexData(const std::function<void(const ModDB::IndexDa
 
 bool ZelPlcDbIO::FindIndexRows(const IndexLevel& level, bool& exists) {
     exists = false;
-    SqliteDb* db = Connection();
+    StoreDb* db = Connection();
     if (!db) {
         return false;
     }
-    SqliteStatement statement =
-        db->prepare(Sql("SELECT EXISTS (SELECT 1 FROM plc_index WHERE", ")"));
+    StoreStatement statement =
+        db->query(Sql("SELECT EXISTS (SELECT 1 FROM plc_index WHERE", ")"));
     BindLevel(statement, level);
     if (!statement.next()) {
         return FailDb();
@@ -136,10 +136,11 @@ bool ZelPlcDbIO::DoesIndexDataExist(const QString& manufacturer, const QString& 
     return FindIndexRows(level, exists);
 }
 
-bool ZelPlcDbIO::InsertIndexRow(SqliteDb& db, const IndexLevel& level) {
-    SqliteStatement statement = db.prepare(QStringLiteral(
-        "INSERT OR IGNORE INTO plc_index (level, manufacturer, series, type, table_name, "
-        "manufacturer_key, series_key, type_key) VALUES (?1, ?2, ?3, ?4, '', ?5, ?6, ?7)"));
+bool ZelPlcDbIO::InsertIndexRow(StoreDb& db, const IndexLevel& level) {
+    StoreStatement statement = db.query(QStringLiteral(
+        "INSERT INTO plc_index (level, manufacturer, series, type, table_name, "
+        "manufacturer_key, series_key, type_key) VALUES (?1, ?2, ?3, ?4, '', ?5, ?6, ?7) "
+        "ON CONFLICT DO NOTHING"));
     statement.bind(1, level.level);
     for (int place = 0; place < 3; ++place) {
         statement.bind(place + 2, level.names[place]).bind(place + 5, level.key(place));
@@ -153,11 +154,11 @@ bool ZelPlcDbIO::AddIndexData(const QString& manufacturer, const QString& series
     if (level.level == 0) {
         return Fail(QStringLiteral("no manufacturer given"));
     }
-    SqliteDb* db = WritableConnection();
+    StoreDb* db = WritableConnection();
     if (!db) {
         return false;
     }
-    SqliteTransaction transaction(*db);
+    StoreTransaction transaction(*db);
     bool exists = false;
     if (!transaction.isActive() || !FindIndexRows(level, exists)) {
         return false;
@@ -179,9 +180,10 @@ bool ZelPlcDbIO::AddIndexData(const QString& manufacturer, const QString& series
     }
     if (level.level == 3) {
         // Row ids are never reused, so neither is a table name.
-        SqliteStatement name = db->prepare(
-            QStringLiteral("UPDATE plc_index SET table_name = 'T' || id WHERE id = ?1"));
-        if (!name.bindInt64(1, db->lastInsertRowId()).run()) {
+        StoreStatement name =
+            db->query(Sql("UPDATE plc_index SET table_name = 'T' || id WHERE"));
+        BindLevel(name, level);
+        if (!name.run()) {
             return FailDb();
         }
     }
@@ -194,11 +196,11 @@ bool ZelPlcDbIO::RemoveIndexData(const QString& manufacturer, const QString& ser
     if (level.level == 0) {
         return Fail(QStringLiteral("no manufacturer given"));
     }
-    SqliteDb* db = WritableConnection();
+    StoreDb* db = WritableConnection();
     if (!db) {
         return false;
     }
-    SqliteTransaction transaction(*db);
+    StoreTransaction transaction(*db);
     if (!transaction.isActive()) {
         return FailDb();
     }
@@ -212,7 +214,7 @@ bool ZelPlcDbIO::RemoveIndexData(const QString& manufacturer, const QString& ser
         Sql("DELETE FROM plc_index WHERE"),
     };
     for (const QString& sql : statements) {
-        SqliteStatement statement = db->prepare(sql);
+        StoreStatement statement = db->query(sql);
         BindLevel(statement, level);
         if (!statement.run()) {
             return FailDb();
@@ -239,11 +241,11 @@ bool ZelPlcDbIO::RenameIndexData(const QString& manufacturer, const QString& ser
     if (level.level == 0 || newName.isNull()) {
         return Fail(QStringLiteral("no name given"));
     }
-    SqliteDb* db = WritableConnection();
+    StoreDb* db = WritableConnection();
     if (!db) {
         return false;
     }
-    SqliteTransaction transaction(*db);
+    StoreTransaction transaction(*db);
     bool taken = false;
     if (!transaction.isActive() || !IndexNameTaken(level, newName, taken)) {
         return false;
@@ -251,7 +253,7 @@ bool ZelPlcDbIO::RenameIndexData(const QString& manufacturer, const QString& ser
     if (taken) {
         return Fail(QStringLiteral("%1 exists already").arg(newName));
     }
-    SqliteStatement statement = db->prepare(Sql(kRenameSql[level.level - 1]));
+    StoreStatement statement = db->query(Sql(kRenameSql[level.level - 1]));
     BindLevel(statement, level);
     statement.bind(5, newName).bind(6, newName.toCaseFolded());
     if (!statement.run()) {
@@ -269,11 +271,11 @@ bool ZelPlcDbIO::GetTypeTableName(const QString& manufacturer, const QString& se
     if (level.level != 3) {
         return Fail(QStringLiteral("a type needs all three names"));
     }
-    SqliteDb* db = Connection();
+    StoreDb* db = Connection();
     if (!db) {
         return false;
     }
-    SqliteStatement statement = db->prepare(Sql("SELECT table_name FROM plc_index WHERE"));
+    StoreStatement statement = db->query(Sql("SELECT table_name FROM plc_index WHERE"));
     BindLevel(statement, level);
     if (!statement.next()) {
         return statement.failed() ? FailDb()

@@ -1,8 +1,8 @@
 // Spec, terminal, style box and prompt rows.
 #include "ZelPlcDbIO.h"
 
-#include "SqliteDb.h"
-#include "SqliteTransaction.h"
+#include "StoreDb.h"
+#include "StoreTransaction.h"
 #include "StoreSchema.h"
 
 #include <QStringList>
@@ -54,9 +54,9 @@ QString Key(const QString& code) {
 
 // Gives the rows of a code in table another code; sql binds table, old key, new code
 // and new key as ?1 to ?4.
-bool UpdateCode(SqliteDb& db, const QString& sql, const QString& table, const QString& oldCode,
+bool UpdateCode(StoreDb& db, const QString& sql, const QString& table, const QString& oldCode,
                 const QString& newCode) {
-    SqliteStatement statement = db.prepare(sql);
+    StoreStatement statement = db.query(sql);
     statement.bind(1, table).bind(2, Key(oldCode)).bind(3, newCode).bind(4, Key(newCode));
     return statement.run();
 }
@@ -75,11 +75,11 @@ QString ZelPlcDbIO::SpecSelectList() const {
 
 bool ZelPlcDbIO::DoesSpecDataExist(const QString& table, const QString& code, bool& exists) {
     exists = false;
-    SqliteDb* db = Connection();
+    StoreDb* db = Connection();
     if (!db) {
         return false;
     }
-    SqliteStatement statement = db->prepare(QStringLiteral(
+    StoreStatement statement = db->query(QStringLiteral(
         "SELECT EXISTS (SELECT 1 FROM plc_spec WHERE table_name = ?1 AND code_key = ?2)"));
     if (!statement.bind(1, table).bind(2, Key(code)).next()) {
         return FailDb();
@@ -90,11 +90,11 @@ bool ZelPlcDbIO::DoesSpecDataExist(const QString& table, const QString& code, bo
 
 bool ZelPlcDbIO::GetArrayOfModSpecCodes(const QString& table, QStringList& codes) {
     codes.clear();
-    SqliteDb* db = Connection();
+    StoreDb* db = Connection();
     if (!db) {
         return false;
     }
-    SqliteStatement statement = db->prepare(
+    StoreStatement statement = db->query(
         QStringLiteral("SELECT \"Code\" FROM plc_spec WHERE table_name = ?1 ORDER BY code_key"));
     statement.bind(1, table);
     while (statement.next()) {
@@ -109,12 +109,12 @@ bool ZelPlcDbIO::GetArrayOfModSpecCodes(const QString& table, QStringList& codes
 
 bool ZelPlcDbIO::GetModuleTableNames(QStringList& tables) {
     tables.clear();
-    SqliteDb* db = Connection();
+    StoreDb* db = Connection();
     if (!db) {
         return false;
     }
-    SqliteStatement statement =
-        db->prepare(QStringLiteral("SELECT DISTINCT table_name FROM plc_spec ORDER BY table_name"));
+    StoreStatement statement =
+        db->query(QStringLiteral("SELECT DISTINCT table_name FROM plc_spec ORDER BY table_name"));
     while (statement.next()) {
         tables.append(statement.text(0));
     }
@@ -128,11 +128,11 @@ bool ZelPlcDbIO::GetModuleTableNames(QStringList& tables) {
 bool ZelPlcDbIO::GetModSpecData(const QString& table, const QString& code,
                                 ModDB::ModSpecData& record, bool bFallback) {
     Q_UNUSED(bFallback);
-    SqliteDb* db = Connection();
+    StoreDb* db = Connection();
     if (!db) {
         return false;
     }
-    SqliteStatement statement = db->prepare(
+    StoreStatement statement = db->query(
         QStringLiteral("SELECT %1 FROM plc_spec WHERE table_name = ?1 AND code_key = ?2")
             .arg(SpecSelectList()));
     if (!statement.bind(1, table).bind(2, Key(code)).next()) {
@@ -150,14 +150,14 @@ bool ZelPlcDbIO::GetModSpecData(const QString& table, const QString& code,
 bool ZelPlcDbIO::WriteSpec(const QString& sql, const QString& table, const QString& code,
                            const ModDB::ModSpecData& record, bool& changed) {
     changed = false;
-    SqliteDb* db = WritableConnection();
+    StoreDb* db = WritableConnection();
     if (!db) {
         return false;
     }
     if (m_schemaVersion < StoreSchema::kCurrentVersion) {
         return Fail(QStringLiteral("the database needs an upgrade before modules are written"));
     }
-    SqliteStatement statement = db->prepare(sql);
+    StoreStatement statement = db->query(sql);
     statement.bind(1, table).bind(2, Key(code));
     for (int place = 0; place < ModSpecData::kFieldCount; ++place) {
         statement.bind(place + 3, record.field(place));
@@ -176,7 +176,8 @@ bool ZelPlcDbIO::AddModSpecData(const QString& table, const ModDB::ModSpecData& 
         return Fail(QStringLiteral("a module needs a catalog code"));
     }
     static const QString sql =
-        QStringLiteral("INSERT OR IGNORE INTO plc_spec (table_name, code_key, %1) VALUES (%2)")
+        QStringLiteral("INSERT INTO plc_spec (table_name, code_key, %1) VALUES (%2) "
+                       "ON CONFLICT DO NOTHING")
             .arg(SpecColumns(0, ModSpecData::kFieldCount, false),
                  Placeholders(1, ModSpecData::kFieldCount + 2));
     bool added = false;
@@ -201,12 +202,12 @@ bool ZelPlcDbIO::UpdateModSpecData(const QString& table, const QString& code,
 }
 
 bool ZelPlcDbIO::RemoveModSpecData(const QString& table, const QString& code) {
-    SqliteDb* db = WritableConnection();
+    StoreDb* db = WritableConnection();
     if (!db) {
         return false;
     }
-    SqliteStatement statement =
-        db->prepare(QStringLiteral("DELETE FROM plc_spec WHERE table_name = ?1 AND code_key = ?2"));
+    StoreStatement statement =
+        db->query(QStringLiteral("DELETE FROM plc_spec WHERE table_name = ?1 AND code_key = ?2"));
     if (!statement.bind(1, table).bind(2, Key(code)).run()) {
         return FailDb();
     }
@@ -218,11 +219,11 @@ bool ZelPlcDbIO::RenameModSpecData(const QString& table, const QString& oldCode,
     if (newCode.isEmpty()) {
         return Fail(QStringLiteral("a module needs a catalog code"));
     }
-    SqliteDb* db = WritableConnection();
+    StoreDb* db = WritableConnection();
     if (!db) {
         return false;
     }
-    SqliteTransaction transaction(*db);
+    StoreTransaction transaction(*db);
     bool taken = false;
     if (!transaction.isActive() || !DoesSpecDataExist(table, newCode, taken)) {
         return FailDb();
@@ -245,12 +246,12 @@ bool ZelPlcDbIO::RenameModSpecData(const QString& table, const QString& oldCode,
 bool ZelPlcDbIO::GetModTermData(const QString& table, const QString& code,
                                 QList<ModDB::ModTermData>& rows) {
     rows.clear();
-    SqliteDb* db = Connection();
+    StoreDb* db = Connection();
     if (!db) {
         return false;
     }
-    SqliteStatement statement =
-        db->prepare(QStringLiteral("SELECT code, number, text, special FROM plc_term "
+    StoreStatement statement =
+        db->query(QStringLiteral("SELECT code, number, text, special FROM plc_term "
                                    "WHERE table_name = ?1 AND code_key = ?2 ORDER BY number"));
     statement.bind(1, table).bind(2, Key(code));
     while (statement.next()) {
@@ -266,13 +267,13 @@ bool ZelPlcDbIO::GetModTermData(const QString& table, const QString& code,
 bool ZelPlcDbIO::DoesTermDataExist(const QString& table, const QString& code, int row,
                                    bool& exists) {
     exists = false;
-    SqliteDb* db = Connection();
+    StoreDb* db = Connection();
     if (!db) {
         return false;
     }
     // Row -1 asks for any row of the code.
-    SqliteStatement statement =
-        db->prepare(QStringLiteral("SELECT EXISTS (SELECT 1 FROM plc_term WHERE table_name = ?1 "
+    StoreStatement statement =
+        db->query(QStringLiteral("SELECT EXISTS (SELECT 1 FROM plc_term WHERE table_name = ?1 "
                                    "AND code_key = ?2 AND (?3 = -1 OR number = ?3))"));
     if (!statement.bind(1, table).bind(2, Key(code)).bind(3, row).next()) {
         return FailDb();
@@ -282,16 +283,16 @@ bool ZelPlcDbIO::DoesTermDataExist(const QString& table, const QString& code, in
 }
 
 bool ZelPlcDbIO::AddModTermData(const QString& table, const QList<ModDB::ModTermData>& rows) {
-    SqliteDb* db = WritableConnection();
+    StoreDb* db = WritableConnection();
     if (!db) {
         return false;
     }
-    SqliteTransaction transaction(*db);
+    StoreTransaction transaction(*db);
     if (!transaction.isActive()) {
         return FailDb();
     }
     for (const ModDB::ModTermData& row : rows) {
-        SqliteStatement statement = db->prepare(
+        StoreStatement statement = db->query(
             QStringLiteral("INSERT INTO plc_term (table_name, code_key, code, number, text, "
                            "special) VALUES (?1, ?2, ?3, ?4, ?5, ?6)"));
         statement.bind(1, table).bind(2, Key(row.Code)).bind(3, row.Code);
@@ -306,12 +307,12 @@ bool ZelPlcDbIO::AddModTermData(const QString& table, const QList<ModDB::ModTerm
 // -1 as first or last row leaves that end open; -1, -1 removes all rows of the code.
 bool ZelPlcDbIO::RemoveModTermData(const QString& table, const QString& code, int firstRow,
                                    int lastRow) {
-    SqliteDb* db = WritableConnection();
+    StoreDb* db = WritableConnection();
     if (!db) {
         return false;
     }
-    SqliteStatement statement =
-        db->prepare(QStringLiteral("DELETE FROM plc_term WHERE table_name = ?1 AND code_key = ?2 "
+    StoreStatement statement =
+        db->query(QStringLiteral("DELETE FROM plc_term WHERE table_name = ?1 AND code_key = ?2 "
                                    "AND (?3 = -1 OR number >= ?3) AND (?4 = -1 OR number <= ?4)"));
     statement.bind(1, table).bind(2, Key(code)).bind(3, firstRow).bind(4, lastRow);
     return statement.run() || FailDb();
@@ -322,11 +323,11 @@ bool ZelPlcDbIO::RenameModTermData(const QString& table, const QString& oldCode,
     if (newCode.isEmpty()) {
         return Fail(QStringLiteral("a module needs a catalog code"));
     }
-    SqliteDb* db = WritableConnection();
+    StoreDb* db = WritableConnection();
     if (!db) {
         return false;
     }
-    SqliteTransaction transaction(*db);
+    StoreTransaction transaction(*db);
     bool taken = false;
     if (!transaction.isActive() || !DoesTermDataExist(table, newCode, -1, taken)) {
         return FailDb();
@@ -344,13 +345,13 @@ bool ZelPlcDbIO::RenameModTermData(const QString& table, const QString& oldCode,
 }
 
 bool ZelPlcDbIO::GetStyleBoxData(int number, ModDB::StyleBoxData& record) {
-    SqliteDb* db = Connection();
+    StoreDb* db = Connection();
     if (!db) {
         return false;
     }
     static const QString sql = QStringLiteral("SELECT %1 FROM plc_style WHERE number = ?1")
                                    .arg(StyleColumns(QStringLiteral("%1")));
-    SqliteStatement statement = db->prepare(sql);
+    StoreStatement statement = db->query(sql);
     if (!statement.bind(1, number).next()) {
         return statement.failed() ? FailDb() : Fail(QStringLiteral("no style box %1").arg(number));
     }
@@ -363,12 +364,12 @@ bool ZelPlcDbIO::GetStyleBoxData(int number, ModDB::StyleBoxData& record) {
 
 bool ZelPlcDbIO::GetStyleBoxNumbers(QList<int>& numbers) {
     numbers.clear();
-    SqliteDb* db = Connection();
+    StoreDb* db = Connection();
     if (!db) {
         return false;
     }
-    SqliteStatement statement =
-        db->prepare(QStringLiteral("SELECT number FROM plc_style ORDER BY number"));
+    StoreStatement statement =
+        db->query(QStringLiteral("SELECT number FROM plc_style ORDER BY number"));
     while (statement.next()) {
         numbers.append(statement.toInt(0));
     }
@@ -383,7 +384,7 @@ bool ZelPlcDbIO::UpdateStyleBoxData(int number, const ModDB::StyleBoxData& recor
     if (number < kFirstStyle || number > kLastStyle) {
         return Fail(QStringLiteral("no style box %1").arg(number));
     }
-    SqliteDb* db = WritableConnection();
+    StoreDb* db = WritableConnection();
     if (!db) {
         return false;
     }
@@ -393,7 +394,7 @@ bool ZelPlcDbIO::UpdateStyleBoxData(int number, const ModDB::StyleBoxData& recor
             "ON CONFLICT (number) DO UPDATE SET %3")
             .arg(StyleColumns(QStringLiteral("%1")), Placeholders(2, StyleBoxData::kBoxCount),
                  StyleColumns(QStringLiteral("%1 = excluded.%1")));
-    SqliteStatement statement = db->prepare(sql);
+    StoreStatement statement = db->query(sql);
     statement.bind(1, number);
     for (int box = 0; box < StyleBoxData::kBoxCount; ++box) {
         statement.bind(box + 2, record.Box[box]);
@@ -423,12 +424,12 @@ QString ZelPlcDbIO::ReturnLocalizedPrompt(const QString& prompt) {
 
 bool ZelPlcDbIO::GetPromptRows(QList<ModDB::PromptData>& rows) {
     rows.clear();
-    SqliteDb* db = Connection();
+    StoreDb* db = Connection();
     if (!db) {
         return false;
     }
-    SqliteStatement statement =
-        db->prepare(QStringLiteral("SELECT prompt, localized FROM plc_prompt ORDER BY prompt"));
+    StoreStatement statement =
+        db->query(QStringLiteral("SELECT prompt, localized FROM plc_prompt ORDER BY prompt"));
     while (statement.next()) {
         rows.append({statement.text(0), statement.text(1)});
     }
@@ -440,12 +441,13 @@ bool ZelPlcDbIO::GetPromptRows(QList<ModDB::PromptData>& rows) {
 }
 
 bool ZelPlcDbIO::AddPromptRow(const ModDB::PromptData& row) {
-    SqliteDb* db = WritableConnection();
+    StoreDb* db = WritableConnection();
     if (!db) {
         return false;
     }
-    SqliteStatement statement = db->prepare(
-        QStringLiteral("INSERT OR IGNORE INTO plc_prompt (prompt, localized) VALUES (?1, ?2)"));
+    StoreStatement statement = db->query(
+        QStringLiteral("INSERT INTO plc_prompt (prompt, localized) VALUES (?1, ?2) "
+                       "ON CONFLICT DO NOTHING"));
     if (!statement.bind(1, row.Prompt).bind(2, row.Localized).run()) {
         return FailDb();
     }

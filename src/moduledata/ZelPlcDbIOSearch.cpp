@@ -3,7 +3,6 @@
 
 #include "SearchIndex.h"
 #include "SqliteDb.h"
-#include "SqliteStatement.h"
 
 namespace {
 
@@ -55,7 +54,7 @@ const char* const kCountHits =
 constexpr int kWalkAbove = 2000;
 
 // Columns 4 to 8 of the statement are the texts a fragment is sought in.
-bool AnyTextHolds(const SqliteStatement& statement, const QString& folded) {
+bool AnyTextHolds(const StoreStatement& statement, const QString& folded) {
     for (int column = 4; column <= 8; ++column) {
         if (statement.text(column).toCaseFolded().contains(folded)) {
             return true;
@@ -69,17 +68,18 @@ bool AnyTextHolds(const SqliteStatement& statement, const QString& folded) {
 bool ZelPlcDbIO::FindModules(const QString& fragment, int limit,
                              QList<ModDB::ModuleMatch>& matches) {
     matches.clear();
-    SqliteDb* db = Connection();
+    StoreDb* db = Connection();
     if (!db) {
         return false;
     }
     if (fragment.isEmpty() || limit <= 0) {
         return true;
     }
-    if (SearchIndex::IsIn(m_schemaVersion) && SearchIndex::Takes(fragment)) {
-        return SeekModules(*db, fragment, limit, matches);
+    // A server has no search index: its modules are scanned.
+    if (m_file && SearchIndex::IsIn(m_schemaVersion) && SearchIndex::Takes(fragment)) {
+        return SeekModules(*m_file, fragment, limit, matches);
     }
-    SqliteStatement statement = db->prepare(MatchQuery(QLatin1String(kAllModules)));
+    StoreStatement statement = db->query(MatchQuery(QLatin1String(kAllModules)));
     return CollectMatches(statement, fragment, limit, matches);
 }
 
@@ -89,20 +89,20 @@ bool ZelPlcDbIO::SeekModules(SqliteDb& db, const QString& fragment, int limit,
     const QString phrase = SearchIndex::Phrase(fragment);
     bool many = false;
     {
-        SqliteStatement count = db.prepare(QLatin1String(kCountHits));
+        StoreStatement count = db.query(QLatin1String(kCountHits));
         if (!count.bind(1, phrase).bind(2, kWalkAbove + 1).next()) {
             return FailDb();
         }
         many = count.toInt(0) > kWalkAbove;
     }
-    SqliteStatement statement = db.prepare(MatchQuery(AmongHits(many ? kWalkHits : kSortHits)));
+    StoreStatement statement = db.query(MatchQuery(AmongHits(many ? kWalkHits : kSortHits)));
     statement.bind(1, phrase);
     return CollectMatches(statement, fragment, limit, matches);
 }
 
 // The rows of statement, in its order, whose texts hold the fragment as the scan finds
 // it: the index hands over more rows than that, never fewer.
-bool ZelPlcDbIO::CollectMatches(SqliteStatement& statement, const QString& fragment, int limit,
+bool ZelPlcDbIO::CollectMatches(StoreStatement& statement, const QString& fragment, int limit,
                                 QList<ModDB::ModuleMatch>& matches) {
     const QString folded = fragment.toCaseFolded();
     while (matches.size() < limit && statement.next()) {

@@ -1,5 +1,5 @@
 #include "SqliteDb.h"
-#include "SqliteTransaction.h"
+#include "StoreTransaction.h"
 #include "ZelPlcDbIO.h"
 
 #include "TestSupport.h"
@@ -53,15 +53,15 @@ TEST(SqliteDbTest, GuardRollsBackUnlessCommittedAndInnerGuardsJoinTheOuterOne) {
     SqliteDb reader;
     ASSERT_TRUE(reader.open(path, SqliteOpenMode::ReadOnly));
     {
-        SqliteTransaction outer(db);
+        StoreTransaction outer(db);
         EXPECT_TRUE(db.exec("INSERT INTO t VALUES (1)"));
         {
-            SqliteTransaction committed(db);
+            StoreTransaction committed(db);
             EXPECT_TRUE(db.exec("INSERT INTO t VALUES (2)"));
             EXPECT_TRUE(committed.commit());
         }
         {
-            SqliteTransaction abandoned(db);
+            StoreTransaction abandoned(db);
             EXPECT_TRUE(db.exec("INSERT INTO t VALUES (3)"));
         }
         EXPECT_EQ(CountRows(db), 2);

@@ -1,21 +1,21 @@
 #pragma once
 
-class SqliteDb;
+class StoreDb;
 
 // Begins a transaction on construction and rolls it back on destruction unless it was
 // committed. Inside another transaction it becomes a part of that one.
-class SqliteTransaction {
+class StoreTransaction {
 public:
-    explicit SqliteTransaction(SqliteDb& db);
-    ~SqliteTransaction();
-    SqliteTransaction(const SqliteTransaction&) = delete;
-    SqliteTransaction& operator=(const SqliteTransaction&) = delete;
+    explicit StoreTransaction(StoreDb& db);
+    ~StoreTransaction();
+    StoreTransaction(const StoreTransaction&) = delete;
+    StoreTransaction& operator=(const StoreTransaction&) = delete;
 
     // False when the transaction could not begin; nothing should be written then.
     bool isActive() const { return m_active; }
     bool commit();
 
 private:
-    SqliteDb& m_db;
+    StoreDb& m_db;
     bool m_active = false;
 };
