@@ -1,5 +1,7 @@
 #include "CliOptions.h"
 
+#include "StoreLocation.h"
+
 #include <QFileInfo>
 #include <QMap>
 
@@ -73,7 +75,10 @@ bool CliOptions::parse(const QStringList& args, QString* error) {
 }
 
 QString CliOptions::FullPath(const QString& typed) {
-    return typed.isEmpty() ? typed : QFileInfo(typed).absoluteFilePath();
+    if (typed.isEmpty() || StoreLocation::IsServer(typed)) {
+        return typed;
+    }
+    return QFileInfo(typed).absoluteFilePath();
 }
 
 QString CliOptions::MainHelp() {

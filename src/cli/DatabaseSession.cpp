@@ -1,5 +1,7 @@
 #include "DatabaseSession.h"
 
+#include "StoreLocation.h"
+
 #include "CliOptions.h"
 #include "HostBridge.h"
 
@@ -43,7 +45,7 @@ bool DatabaseSession::FindFile(const CliOptions& options, QString& path, QString
             return false;
         }
     }
-    if (!QFile::exists(path)) {
+    if (!StoreLocation::IsServer(path) && !QFile::exists(path)) {
         *error = QStringLiteral("the database %1 does not exist").arg(path);
         return false;
     }
