@@ -4,6 +4,8 @@
 #include "StoreLocation.h"
 #include "StoreSchema.h"
 
+#include <QRegularExpression>
+
 #include <libpq-fe.h>
 
 #include <vector>
@@ -31,6 +33,32 @@ QString ServerPlaceholders(const QString& sql) {
         result += c;
     }
     return result;
+}
+
+// The numbers of the parameters that sql names, as a set: bit n for $n.
+QList<bool> UsedParameters(const QString& sql) {
+    static const QRegularExpression parameter(QStringLiteral("\\$(\\d+)"));
+    QList<bool> used;
+    for (const QRegularExpressionMatch& match : parameter.globalMatch(sql)) {
+        const int number = match.captured(1).toInt();
+        if (number > used.size()) {
+            used.resize(number, false);
+        }
+        used[number - 1] = true;
+    }
+    return used;
+}
+
+// Types for the server's prepare: 0 lets the server infer one from the statement; a
+// parameter that the statement skips (a field that an update leaves alone) has nothing
+// to infer from and is declared text.
+std::vector<Oid> ParameterTypes(const QString& sql) {
+    constexpr Oid kText = 25;
+    std::vector<Oid> types;
+    for (const bool used : UsedParameters(sql)) {
+        types.push_back(used ? 0 : kText);
+    }
+    return types;
 }
 
 // Notices ("relation exists, skipping", ...) are no failures and are not printed.
@@ -182,8 +210,10 @@ StoreStatement PgDb::query(const QString& sql) {
     QByteArray name = m_prepared.value(sql);
     if (name.isEmpty()) {
         name = "plcdb_" + QByteArray::number(m_prepared.size() + 1);
-        PGresult* result = PQprepare(m_conn, name.constData(),
-                                     ServerPlaceholders(sql).toUtf8().constData(), 0, nullptr);
+        const QString serverSql = ServerPlaceholders(sql);
+        const std::vector<Oid> types = ParameterTypes(serverSql);
+        PGresult* result = PQprepare(m_conn, name.constData(), serverSql.toUtf8().constData(),
+                                     int(types.size()), types.data());
         const bool prepared = takeResult(result);
         PQclear(result);
         if (!prepared) {
@@ -207,7 +237,13 @@ bool PgDb::exec(const QString& sql) {
 bool PgDb::takeResult(PGresult* result) {
     const ExecStatusType status = result ? PQresultStatus(result) : PGRES_FATAL_ERROR;
     if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
-        return fail(ResultMessage(result, m_conn), ResultState(result));
+        const QString state = ResultState(result);
+        // After a failure the server refuses the rest of the transaction; the first
+        // failure is the cause worth telling.
+        if (state == QLatin1String("25P02") && m_depth > 0 && !m_lastError.isEmpty()) {
+            return false;
+        }
+        return fail(ResultMessage(result, m_conn), state);
     }
     m_changes = QByteArrayView(PQcmdTuples(result)).toInt();
     return true;

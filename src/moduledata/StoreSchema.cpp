@@ -4,8 +4,8 @@
 #include "SearchIndex.h"
 #include "SqliteDb.h"
 #include "SqliteStatement.h"
-#include "StoreTransaction.h"
 #include "StoreFailure.h"
+#include "StoreTransaction.h"
 
 #include <QFile>
 #include <QFileInfo>

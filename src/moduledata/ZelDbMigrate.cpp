@@ -1,8 +1,8 @@
 #include "ZelDbMigrate.h"
 
 #include "SqliteDb.h"
-#include "StoreTransaction.h"
 #include "StoreSchema.h"
+#include "StoreTransaction.h"
 #include "ZelPlcDbIO.h"
 #include "ZelUtils.h"
 

@@ -116,8 +116,7 @@ bool ZelPlcDbIO::FindIndexRows(const IndexLevel& level, bool& exists) {
     if (!db) {
         return false;
     }
-    StoreStatement statement =
-        db->query(Sql("SELECT EXISTS (SELECT 1 FROM plc_index WHERE", ")"));
+    StoreStatement statement = db->query(Sql("SELECT EXISTS (SELECT 1 FROM plc_index WHERE", ")"));
     BindLevel(statement, level);
     if (!statement.next()) {
         return FailDb();
@@ -180,8 +179,7 @@ bool ZelPlcDbIO::AddIndexData(const QString& manufacturer, const QString& series
     }
     if (level.level == 3) {
         // Row ids are never reused, so neither is a table name.
-        StoreStatement name =
-            db->query(Sql("UPDATE plc_index SET table_name = 'T' || id WHERE"));
+        StoreStatement name = db->query(Sql("UPDATE plc_index SET table_name = 'T' || id WHERE"));
         BindLevel(name, level);
         if (!name.run()) {
             return FailDb();

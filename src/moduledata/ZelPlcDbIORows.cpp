@@ -2,8 +2,8 @@
 #include "ZelPlcDbIO.h"
 
 #include "StoreDb.h"
-#include "StoreTransaction.h"
 #include "StoreSchema.h"
+#include "StoreTransaction.h"
 
 #include <QStringList>
 
@@ -46,6 +46,42 @@ QString StyleColumns(const QString& pattern) {
         columns << pattern.arg(Quoted(StyleBoxData::BoxName(box)));
     }
     return columns.join(QLatin1String(", "));
+}
+
+// Terminal rows go to the store in batches of one statement each, so that a server
+// takes a module in a few round trips instead of one per row. Three batch sizes keep the
+// statements that each connection prepares to three.
+constexpr int kTermColumns = 6;
+constexpr int kTermBatchSizes[] = {100, 10, 1};
+
+// The insert of count terminal rows, the columns of row r bound from r * 6 + 1 on.
+QString TermInsertSql(int count) {
+    QStringList rows;
+    for (int row = 0; row < count; ++row) {
+        rows << QLatin1Char('(') + Placeholders(row * kTermColumns + 1, kTermColumns) +
+                    QLatin1Char(')');
+    }
+    return QStringLiteral(
+               "INSERT INTO plc_term (table_name, code_key, code, number, text, "
+               "special) VALUES ") +
+           rows.join(QLatin1String(", "));
+}
+
+struct TermBatch {
+    int size;
+    const QString& sql;
+};
+
+// The largest batch that rowsLeft fills.
+TermBatch NextTermBatch(qsizetype rowsLeft) {
+    static const QString sql[] = {TermInsertSql(kTermBatchSizes[0]),
+                                  TermInsertSql(kTermBatchSizes[1]),
+                                  TermInsertSql(kTermBatchSizes[2])};
+    int place = 0;
+    while (kTermBatchSizes[place] > rowsLeft && place < 2) {
+        ++place;
+    }
+    return {kTermBatchSizes[place], sql[place]};
 }
 
 QString Key(const QString& code) {
@@ -132,9 +168,9 @@ bool ZelPlcDbIO::GetModSpecData(const QString& table, const QString& code,
     if (!db) {
         return false;
     }
-    StoreStatement statement = db->query(
-        QStringLiteral("SELECT %1 FROM plc_spec WHERE table_name = ?1 AND code_key = ?2")
-            .arg(SpecSelectList()));
+    StoreStatement statement =
+        db->query(QStringLiteral("SELECT %1 FROM plc_spec WHERE table_name = ?1 AND code_key = ?2")
+                      .arg(SpecSelectList()));
     if (!statement.bind(1, table).bind(2, Key(code)).next()) {
         return statement.failed() ? FailDb()
                                   : Fail(QStringLiteral("no module %1 in %2").arg(code, table));
@@ -175,11 +211,11 @@ bool ZelPlcDbIO::AddModSpecData(const QString& table, const ModDB::ModSpecData& 
     if (record.Code.isEmpty()) {
         return Fail(QStringLiteral("a module needs a catalog code"));
     }
-    static const QString sql =
-        QStringLiteral("INSERT INTO plc_spec (table_name, code_key, %1) VALUES (%2) "
-                       "ON CONFLICT DO NOTHING")
-            .arg(SpecColumns(0, ModSpecData::kFieldCount, false),
-                 Placeholders(1, ModSpecData::kFieldCount + 2));
+    static const QString sql = QStringLiteral(
+                                   "INSERT INTO plc_spec (table_name, code_key, %1) VALUES (%2) "
+                                   "ON CONFLICT DO NOTHING")
+                                   .arg(SpecColumns(0, ModSpecData::kFieldCount, false),
+                                        Placeholders(1, ModSpecData::kFieldCount + 2));
     bool added = false;
     if (!WriteSpec(sql, table, record.Code, record, added)) {
         return false;
@@ -252,7 +288,7 @@ bool ZelPlcDbIO::GetModTermData(const QString& table, const QString& code,
     }
     StoreStatement statement =
         db->query(QStringLiteral("SELECT code, number, text, special FROM plc_term "
-                                   "WHERE table_name = ?1 AND code_key = ?2 ORDER BY number"));
+                                 "WHERE table_name = ?1 AND code_key = ?2 ORDER BY number"));
     statement.bind(1, table).bind(2, Key(code));
     while (statement.next()) {
         rows.append({statement.text(0), statement.toInt(1), statement.text(2), statement.text(3)});
@@ -274,7 +310,7 @@ bool ZelPlcDbIO::DoesTermDataExist(const QString& table, const QString& code, in
     // Row -1 asks for any row of the code.
     StoreStatement statement =
         db->query(QStringLiteral("SELECT EXISTS (SELECT 1 FROM plc_term WHERE table_name = ?1 "
-                                   "AND code_key = ?2 AND (?3 = -1 OR number = ?3))"));
+                                 "AND code_key = ?2 AND (?3 = -1 OR number = ?3))"));
     if (!statement.bind(1, table).bind(2, Key(code)).bind(3, row).next()) {
         return FailDb();
     }
@@ -291,15 +327,23 @@ bool ZelPlcDbIO::AddModTermData(const QString& table, const QList<ModDB::ModTerm
     if (!transaction.isActive()) {
         return FailDb();
     }
-    for (const ModDB::ModTermData& row : rows) {
-        StoreStatement statement = db->query(
-            QStringLiteral("INSERT INTO plc_term (table_name, code_key, code, number, text, "
-                           "special) VALUES (?1, ?2, ?3, ?4, ?5, ?6)"));
-        statement.bind(1, table).bind(2, Key(row.Code)).bind(3, row.Code);
-        statement.bind(4, int(row.Number)).bind(5, row.Text).bind(6, row.Special);
+    qsizetype next = 0;
+    while (next < rows.size()) {
+        const TermBatch batch = NextTermBatch(rows.size() - next);
+        StoreStatement statement = db->query(batch.sql);
+        for (int place = 0; place < batch.size; ++place) {
+            const ModDB::ModTermData& row = rows.at(next + place);
+            const int first = place * kTermColumns;
+            statement.bind(first + 1, table)
+                .bind(first + 2, Key(row.Code))
+                .bind(first + 3, row.Code);
+            statement.bind(first + 4, int(row.Number)).bind(first + 5, row.Text);
+            statement.bind(first + 6, row.Special);
+        }
         if (!statement.run()) {
             return FailDb();
         }
+        next += batch.size;
     }
     return transaction.commit() || FailDb();
 }
@@ -313,7 +357,7 @@ bool ZelPlcDbIO::RemoveModTermData(const QString& table, const QString& code, in
     }
     StoreStatement statement =
         db->query(QStringLiteral("DELETE FROM plc_term WHERE table_name = ?1 AND code_key = ?2 "
-                                   "AND (?3 = -1 OR number >= ?3) AND (?4 = -1 OR number <= ?4)"));
+                                 "AND (?3 = -1 OR number >= ?3) AND (?4 = -1 OR number <= ?4)"));
     statement.bind(1, table).bind(2, Key(code)).bind(3, firstRow).bind(4, lastRow);
     return statement.run() || FailDb();
 }
@@ -445,9 +489,9 @@ bool ZelPlcDbIO::AddPromptRow(const ModDB::PromptData& row) {
     if (!db) {
         return false;
     }
-    StoreStatement statement = db->query(
-        QStringLiteral("INSERT INTO plc_prompt (prompt, localized) VALUES (?1, ?2) "
-                       "ON CONFLICT DO NOTHING"));
+    StoreStatement statement =
+        db->query(QStringLiteral("INSERT INTO plc_prompt (prompt, localized) VALUES (?1, ?2) "
+                                 "ON CONFLICT DO NOTHING"));
     if (!statement.bind(1, row.Prompt).bind(2, row.Localized).run()) {
         return FailDb();
     }
