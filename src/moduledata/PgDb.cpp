@@ -15,22 +15,47 @@ QString SavepointName(int depth) {
 }
 
 // The store's ?1, ?2 as the server's $1, $2; a "?" in a quoted text or name stays.
-QString ServerPlaceholders(const QString& sql) {
+// used[n - 1] tells whether ?n is in the text.
+QString ServerPlaceholders(const QString& sql, std::vector<bool>& used) {
     QString result;
     result.reserve(sql.size());
     QChar quote;
-    for (const QChar c : sql) {
+    for (qsizetype at = 0; at < sql.size(); ++at) {
+        const QChar c = sql.at(at);
         if (!quote.isNull()) {
             quote = c == quote ? QChar() : quote;
         } else if (c == u'\'' || c == u'"') {
             quote = c;
         } else if (c == u'?') {
+            qsizetype end = at + 1;
+            while (end < sql.size() && sql.at(end).isDigit()) {
+                ++end;
+            }
+            const size_t number = sql.mid(at + 1, end - at - 1).toUInt();
+            if (number > used.size()) {
+                used.resize(number, false);
+            }
+            if (number > 0) {
+                used[number - 1] = true;
+            }
             result += u'$';
             continue;
         }
         result += c;
     }
     return result;
+}
+
+// The types of the parameters as the statement is prepared: left to the server, but a
+// parameter that the text does not use is a text, since the server can't tell its type
+// and would refuse the statement where a file binds it and lets it be.
+std::vector<Oid> ParameterTypes(const std::vector<bool>& used) {
+    constexpr Oid kText = 25;
+    std::vector<Oid> types(used.size(), 0);
+    for (size_t place = 0; place < used.size(); ++place) {
+        types[place] = used[place] ? 0 : kText;
+    }
+    return types;
 }
 
 // Notices ("relation exists, skipping", ...) are no failures and are not printed.
@@ -165,6 +190,7 @@ void PgDb::close() {
         m_conn = nullptr;
     }
     m_prepared.clear();
+    m_abortCause.clear();
     m_depth = 0;
     m_readOnly = false;
 }
@@ -182,8 +208,11 @@ StoreStatement PgDb::query(const QString& sql) {
     QByteArray name = m_prepared.value(sql);
     if (name.isEmpty()) {
         name = "plcdb_" + QByteArray::number(m_prepared.size() + 1);
-        PGresult* result = PQprepare(m_conn, name.constData(),
-                                     ServerPlaceholders(sql).toUtf8().constData(), 0, nullptr);
+        std::vector<bool> used;
+        const QByteArray text = ServerPlaceholders(sql, used).toUtf8();
+        const std::vector<Oid> types = ParameterTypes(used);
+        PGresult* result =
+            PQprepare(m_conn, name.constData(), text.constData(), int(types.size()), types.data());
         const bool prepared = takeResult(result);
         PQclear(result);
         if (!prepared) {
@@ -207,7 +236,18 @@ bool PgDb::exec(const QString& sql) {
 bool PgDb::takeResult(PGresult* result) {
     const ExecStatusType status = result ? PQresultStatus(result) : PGRES_FATAL_ERROR;
     if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
-        return fail(ResultMessage(result, m_conn), ResultState(result));
+        const QString state = ResultState(result);
+        // After a failure the server refuses the rest of the transaction until it is
+        // rolled back; the failure that caused that is the one to report.
+        if (state == QLatin1String("25P02") && !m_abortCause.isEmpty()) {
+            return fail(m_abortCause, m_abortState);
+        }
+        fail(ResultMessage(result, m_conn), state);
+        if (PQtransactionStatus(m_conn) == PQTRANS_INERROR) {
+            m_abortCause = m_lastError;
+            m_abortState = m_lastState;
+        }
+        return false;
     }
     m_changes = QByteArrayView(PQcmdTuples(result)).toInt();
     return true;
@@ -241,9 +281,12 @@ bool PgDb::commitTransaction() {
     PGresult* result = PQexec(m_conn, "COMMIT");
     bool committed = takeResult(result);
     if (committed && QByteArrayView(PQcmdStatus(result)) != "COMMIT") {
-        committed = fail(QStringLiteral("the transaction failed and was rolled back"));
+        committed = m_abortCause.isEmpty()
+                        ? fail(QStringLiteral("the transaction failed and was rolled back"))
+                        : fail(m_abortCause, m_abortState);
     }
     PQclear(result);
+    m_abortCause.clear();
     return committed;
 }
 
@@ -262,6 +305,7 @@ void PgDb::rollbackTransaction() {
     // The failure that led here is the one worth reporting.
     m_lastError = reason;
     m_lastState = state;
+    m_abortCause.clear();
     --m_depth;
 }
 

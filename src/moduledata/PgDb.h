@@ -54,6 +54,9 @@ private:
     QString m_location;
     QString m_lastError;
     QString m_lastState;
+    // The failure that made the server refuse the rest of the open transaction.
+    QString m_abortCause;
+    QString m_abortState;
     // Server-side statement names by SQL text.
     QHash<QString, QByteArray> m_prepared;
     int m_depth = 0;
