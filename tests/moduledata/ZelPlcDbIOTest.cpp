@@ -1,5 +1,4 @@
 #include "SqliteDb.h"
-#include "StoreTransaction.h"
 #include "ZelPlcDbIO.h"
 
 #include "StoreTestSupport.h"
@@ -22,11 +21,6 @@ QString ConnectionText(const QString& path, const QString& mode) {
         .arg(path, mode);
 }
 
-int CountRows(SqliteDb& db) {
-    SqliteStatement statement = db.prepare(QStringLiteral("SELECT count(*) FROM t"));
-    return statement.next() ? statement.toInt(0) : -1;
-}
-
 ModDB::ModSpecData SpecWithDistinctFields(const QString& code) {
     ModDB::ModSpecData spec;
     for (int place = 0; place < ModDB::ModSpecData::kFieldCount; ++place) {
@@ -43,54 +37,6 @@ QStringList SpecFields(const ModDB::ModSpecData& spec) {
         fields << spec.field(place);
     }
     return fields;
-}
-
-TEST(SqliteDbTest, GuardRollsBackUnlessCommittedAndInnerGuardsJoinTheOuterOne) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("t.db");
-    SqliteDb db;
-    ASSERT_TRUE(db.open(path, SqliteOpenMode::Create));
-    ASSERT_TRUE(db.exec("CREATE TABLE t (x INTEGER UNIQUE)"));
-    SqliteDb reader;
-    ASSERT_TRUE(reader.open(path, SqliteOpenMode::ReadOnly));
-    {
-        StoreTransaction outer(db);
-        EXPECT_TRUE(db.exec("INSERT INTO t VALUES (1)"));
-        {
-            StoreTransaction committed(db);
-            EXPECT_TRUE(db.exec("INSERT INTO t VALUES (2)"));
-            EXPECT_TRUE(committed.commit());
-        }
-        {
-            StoreTransaction abandoned(db);
-            EXPECT_TRUE(db.exec("INSERT INTO t VALUES (3)"));
-        }
-        EXPECT_EQ(CountRows(db), 2);
-        // An inner commit writes nothing before the outer one.
-        EXPECT_EQ(CountRows(reader), 0);
-        EXPECT_TRUE(outer.commit());
-    }
-    EXPECT_EQ(CountRows(reader), 2);
-    EXPECT_EQ(db.transactionDepth(), 0);
-    EXPECT_FALSE(db.commitTransaction());
-}
-
-TEST(SqliteDbTest, FailuresAreResultsWithAText) {
-    QTemporaryDir dir;
-    SqliteDb db;
-    ASSERT_TRUE(db.open(dir.filePath("t.db"), SqliteOpenMode::Create));
-    ASSERT_TRUE(db.exec("CREATE TABLE t (x INTEGER UNIQUE)"));
-    EXPECT_FALSE(db.prepare("SELECT nothing FROM nowhere").isValid());
-
-    SqliteStatement insert = db.prepare("INSERT INTO t VALUES (?1)");
-    EXPECT_TRUE(insert.bind(1, 5).run());
-    // The same text while the first statement is still lent out, and a clash.
-    SqliteStatement again = db.prepare("INSERT INTO t VALUES (?1)");
-    EXPECT_FALSE(again.bind(1, 5).run());
-    EXPECT_TRUE(db.lastError().contains("UNIQUE"));
-    SqliteStatement outOfRange = db.prepare("INSERT INTO t VALUES (?1)");
-    EXPECT_FALSE(outOfRange.bind(2, 6).run());
-    EXPECT_EQ(CountRows(db), 1);
 }
 
 class ZelPlcDbIOFixture : public StoreFileTest {
