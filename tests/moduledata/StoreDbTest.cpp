@@ -159,41 +159,29 @@ TEST_F(ServerDbTest, ALostConnectionFailsEveryOperationWithTheReason) {
 TEST(ServerCatalogTest, ADatabaseIsACatalogOnlyWithAllTheStoresTables) {
     PLCDB_NEED_TEST_SERVER();
     const QString uri = TestServer::NewDatabase();
-    const QString source = "Data Source=" + uri;
-    const std::function<QString()> steps[] = {
-        [&] {
-            ZelPlcDbIO store;
-            return store.PutConnectionString(source) ? "opened" : store.m_strLastError;
-        },
-        [&] {
-            QString error;
-            return ZelPlcDbIO::CreateDatabase(uri, &error) ? "created" : error;
-        },
-        // The upgrade check read a server as a file: the editor took every type for old.
-        [&] { return TableNeedsMigration(uri, "T1") ? "old" : "current"; },
-        [&] {
-            QString error;
-            return ZelPlcDbIO::CreateDatabase(uri, &error) ? "created" : error;
-        },
-        [&] {
-            PgDb db;
-            return db.open(uri) && db.exec("DROP TABLE plc_term") ? "dropped" : db.lastError();
-        },
-        [&] {
-            ZelPlcDbIO store;
-            return store.PutConnectionString(source) ? "opened" : store.m_strLastError;
-        },
+    const auto open = [&] {
+        ZelPlcDbIO store;
+        return store.PutConnectionString("Data Source=" + uri) ? "opened" : store.m_strLastError;
     };
-    const QString expected[] = {
-        "not a plcdb database",
-        "created",
-        "current",
-        uri + " holds a catalog already",
-        "dropped",
-        "the database is damaged: its table plc_term is missing",
+    const auto create = [&] {
+        QString error;
+        return ZelPlcDbIO::CreateDatabase(uri, &error) ? "created" : error;
+    };
+    const auto drop = [&] {
+        PgDb db;
+        return db.open(uri) && db.exec("DROP TABLE plc_term") ? "dropped" : db.lastError();
+    };
+    const std::pair<std::function<QString()>, QString> steps[] = {
+        {open, "not a plcdb database"},
+        {create, "created"},
+        // The upgrade check read a server as a file: the editor took every type for old.
+        {[&] { return QString(TableNeedsMigration(uri, "T1") ? "old" : "current"); }, "current"},
+        {create, uri + " holds a catalog already"},
+        {drop, "dropped"},
+        {open, "the database is damaged: its table plc_term is missing"},
     };
     for (size_t i = 0; i < std::size(steps); ++i) {
-        EXPECT_EQ(steps[i](), expected[i]) << "step " << i;
+        EXPECT_EQ(steps[i].first(), steps[i].second) << "step " << i;
     }
 }
 
