@@ -85,6 +85,11 @@ public:
     PgQuery& operator=(const PgQuery&) = delete;
 
     void bindText(int position, const QString& value) override {
+        // Values go as C strings, which would end at a NUL; the server can't store one.
+        if (value.contains(QChar(0))) {
+            m_bindError =
+                QStringLiteral("a text holds a NUL character, which a server can't store");
+        }
         slot(position) = value.toUtf8();
         m_null[position - 1] = false;
     }
@@ -100,6 +105,10 @@ public:
     bool next() override {
         if (m_failed) {
             return false;
+        }
+        if (!m_bindError.isEmpty()) {
+            m_failed = true;
+            return m_db->fail(m_bindError);
         }
         if (!m_result && !execute()) {
             m_failed = true;
@@ -154,6 +163,7 @@ private:
     QByteArray m_name;
     std::vector<QByteArray> m_values;
     std::vector<bool> m_null;
+    QString m_bindError;
     PGresult* m_result = nullptr;
     int m_row = -1;
     bool m_failed = false;

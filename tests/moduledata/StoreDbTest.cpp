@@ -130,6 +130,16 @@ TEST_F(ServerDbTest, AReadOnlyConnectionRefusesWritesInTheReadOnlyWords) {
     EXPECT_EQ(store.m_strLastError, "the database is open for reading only");
 }
 
+// A text with a NUL character was cut at it on a server, silently.
+TEST_F(ServerDbTest, ATextWithANulCharacterIsRefusedNotCut) {
+    const QString text = QStringLiteral("P") + QChar(0) + QStringLiteral("Q");
+    EXPECT_FALSE(m_store.AddPromptRow({text, text}));
+    EXPECT_EQ(m_store.m_strLastError, "a text holds a NUL character, which a server can't store");
+    QList<ModDB::PromptData> rows;
+    EXPECT_TRUE(m_store.GetPromptRows(rows));
+    EXPECT_TRUE(rows.isEmpty());
+}
+
 TEST_F(ServerDbTest, ALostConnectionFailsEveryOperationWithTheReason) {
     ASSERT_TRUE(m_store.BeginTransaction());
     ASSERT_TRUE(m_store.AddIndexData("M", "S", "T"));
