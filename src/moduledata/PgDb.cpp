@@ -319,8 +319,12 @@ void PgDb::rollbackTransaction() {
     --m_depth;
 }
 
+bool PgDb::isLost() const {
+    return m_conn && PQstatus(m_conn) == CONNECTION_BAD;
+}
+
 QString PgDb::failureText() const {
-    if (m_conn && PQstatus(m_conn) == CONNECTION_BAD) {
+    if (isLost()) {
         return QStringLiteral("the connection to the server was lost: %1").arg(m_lastError);
     }
     if (failedOnLock()) {

@@ -32,6 +32,7 @@ public:
     bool exec(const QString& sql) override;
     int changes() const override { return m_changes; }
     bool isReadOnly() const override { return m_readOnly; }
+    bool isLost() const override;
     bool beginTransaction() override;
     bool commitTransaction() override;
     void rollbackTransaction() override;

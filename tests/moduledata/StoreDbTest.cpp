@@ -164,6 +164,10 @@ TEST_F(ServerDbTest, ALostConnectionFailsEveryOperationWithTheReason) {
             << m_store.m_strLastError.toStdString();
     }
     EXPECT_EQ(CountRows(*m_reader), 0);
+    // Opening the store again kept the broken connection.
+    m_db.Close();
+    ASSERT_TRUE(m_db.Open(m_path));
+    EXPECT_TRUE(m_store.AddIndexData("M", "S", "T"));
 }
 
 TEST(ServerCatalogTest, ADatabaseIsACatalogOnlyWithAllTheStoresTables) {
