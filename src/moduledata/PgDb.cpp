@@ -4,8 +4,6 @@
 #include "StoreLocation.h"
 #include "StoreSchema.h"
 
-#include <QRegularExpression>
-
 #include <libpq-fe.h>
 
 #include <vector>
@@ -17,16 +15,29 @@ QString SavepointName(int depth) {
 }
 
 // The store's ?1, ?2 as the server's $1, $2; a "?" in a quoted text or name stays.
-QString ServerPlaceholders(const QString& sql) {
+// used[n - 1] tells whether ?n is in the text.
+QString ServerPlaceholders(const QString& sql, std::vector<bool>& used) {
     QString result;
     result.reserve(sql.size());
     QChar quote;
-    for (const QChar c : sql) {
+    for (qsizetype at = 0; at < sql.size(); ++at) {
+        const QChar c = sql.at(at);
         if (!quote.isNull()) {
             quote = c == quote ? QChar() : quote;
         } else if (c == u'\'' || c == u'"') {
             quote = c;
         } else if (c == u'?') {
+            qsizetype end = at + 1;
+            while (end < sql.size() && sql.at(end).isDigit()) {
+                ++end;
+            }
+            const size_t number = sql.mid(at + 1, end - at - 1).toUInt();
+            if (number > used.size()) {
+                used.resize(number, false);
+            }
+            if (number > 0) {
+                used[number - 1] = true;
+            }
             result += u'$';
             continue;
         }
@@ -35,28 +46,14 @@ QString ServerPlaceholders(const QString& sql) {
     return result;
 }
 
-// The numbers of the parameters that sql names, as a set: bit n for $n.
-QList<bool> UsedParameters(const QString& sql) {
-    static const QRegularExpression parameter(QStringLiteral("\\$(\\d+)"));
-    QList<bool> used;
-    for (const QRegularExpressionMatch& match : parameter.globalMatch(sql)) {
-        const int number = match.captured(1).toInt();
-        if (number > used.size()) {
-            used.resize(number, false);
-        }
-        used[number - 1] = true;
-    }
-    return used;
-}
-
-// Types for the server's prepare: 0 lets the server infer one from the statement; a
-// parameter that the statement skips (a field that an update leaves alone) has nothing
-// to infer from and is declared text.
-std::vector<Oid> ParameterTypes(const QString& sql) {
+// The types of the parameters as the statement is prepared: left to the server, but a
+// parameter that the text does not use is a text, since the server can't tell its type
+// and would refuse the statement where a file binds it and lets it be.
+std::vector<Oid> ParameterTypes(const std::vector<bool>& used) {
     constexpr Oid kText = 25;
-    std::vector<Oid> types;
-    for (const bool used : UsedParameters(sql)) {
-        types.push_back(used ? 0 : kText);
+    std::vector<Oid> types(used.size(), 0);
+    for (size_t place = 0; place < used.size(); ++place) {
+        types[place] = used[place] ? 0 : kText;
     }
     return types;
 }
@@ -88,6 +85,11 @@ public:
     PgQuery& operator=(const PgQuery&) = delete;
 
     void bindText(int position, const QString& value) override {
+        // Values go as C strings, which would end at a NUL; the server can't store one.
+        if (value.contains(QChar(0))) {
+            m_bindError =
+                QStringLiteral("a text holds a NUL character, which a server can't store");
+        }
         slot(position) = value.toUtf8();
         m_null[position - 1] = false;
     }
@@ -103,6 +105,10 @@ public:
     bool next() override {
         if (m_failed) {
             return false;
+        }
+        if (!m_bindError.isEmpty()) {
+            m_failed = true;
+            return m_db->fail(m_bindError);
         }
         if (!m_result && !execute()) {
             m_failed = true;
@@ -157,6 +163,7 @@ private:
     QByteArray m_name;
     std::vector<QByteArray> m_values;
     std::vector<bool> m_null;
+    QString m_bindError;
     PGresult* m_result = nullptr;
     int m_row = -1;
     bool m_failed = false;
@@ -193,6 +200,7 @@ void PgDb::close() {
         m_conn = nullptr;
     }
     m_prepared.clear();
+    m_abortCause.clear();
     m_depth = 0;
     m_readOnly = false;
 }
@@ -210,10 +218,11 @@ StoreStatement PgDb::query(const QString& sql) {
     QByteArray name = m_prepared.value(sql);
     if (name.isEmpty()) {
         name = "plcdb_" + QByteArray::number(m_prepared.size() + 1);
-        const QString serverSql = ServerPlaceholders(sql);
-        const std::vector<Oid> types = ParameterTypes(serverSql);
-        PGresult* result = PQprepare(m_conn, name.constData(), serverSql.toUtf8().constData(),
-                                     int(types.size()), types.data());
+        std::vector<bool> used;
+        const QByteArray text = ServerPlaceholders(sql, used).toUtf8();
+        const std::vector<Oid> types = ParameterTypes(used);
+        PGresult* result =
+            PQprepare(m_conn, name.constData(), text.constData(), int(types.size()), types.data());
         const bool prepared = takeResult(result);
         PQclear(result);
         if (!prepared) {
@@ -238,12 +247,17 @@ bool PgDb::takeResult(PGresult* result) {
     const ExecStatusType status = result ? PQresultStatus(result) : PGRES_FATAL_ERROR;
     if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
         const QString state = ResultState(result);
-        // After a failure the server refuses the rest of the transaction; the first
-        // failure is the cause worth telling.
-        if (state == QLatin1String("25P02") && m_depth > 0 && !m_lastError.isEmpty()) {
-            return false;
+        // After a failure the server refuses the rest of the transaction until it is
+        // rolled back; the failure that caused that is the one to report.
+        if (state == QLatin1String("25P02") && !m_abortCause.isEmpty()) {
+            return fail(m_abortCause, m_abortState);
         }
-        return fail(ResultMessage(result, m_conn), state);
+        fail(ResultMessage(result, m_conn), state);
+        if (PQtransactionStatus(m_conn) == PQTRANS_INERROR) {
+            m_abortCause = m_lastError;
+            m_abortState = m_lastState;
+        }
+        return false;
     }
     m_changes = QByteArrayView(PQcmdTuples(result)).toInt();
     return true;
@@ -277,9 +291,12 @@ bool PgDb::commitTransaction() {
     PGresult* result = PQexec(m_conn, "COMMIT");
     bool committed = takeResult(result);
     if (committed && QByteArrayView(PQcmdStatus(result)) != "COMMIT") {
-        committed = fail(QStringLiteral("the transaction failed and was rolled back"));
+        committed = m_abortCause.isEmpty()
+                        ? fail(QStringLiteral("the transaction failed and was rolled back"))
+                        : fail(m_abortCause, m_abortState);
     }
     PQclear(result);
+    m_abortCause.clear();
     return committed;
 }
 
@@ -298,11 +315,16 @@ void PgDb::rollbackTransaction() {
     // The failure that led here is the one worth reporting.
     m_lastError = reason;
     m_lastState = state;
+    m_abortCause.clear();
     --m_depth;
 }
 
+bool PgDb::isLost() const {
+    return m_conn && PQstatus(m_conn) == CONNECTION_BAD;
+}
+
 QString PgDb::failureText() const {
-    if (m_conn && PQstatus(m_conn) == CONNECTION_BAD) {
+    if (isLost()) {
         return QStringLiteral("the connection to the server was lost: %1").arg(m_lastError);
     }
     if (failedOnLock()) {

@@ -32,6 +32,7 @@ public:
     bool exec(const QString& sql) override;
     int changes() const override { return m_changes; }
     bool isReadOnly() const override { return m_readOnly; }
+    bool isLost() const override;
     bool beginTransaction() override;
     bool commitTransaction() override;
     void rollbackTransaction() override;
@@ -54,6 +55,9 @@ private:
     QString m_location;
     QString m_lastError;
     QString m_lastState;
+    // The failure that made the server refuse the rest of the open transaction.
+    QString m_abortCause;
+    QString m_abortState;
     // Server-side statement names by SQL text.
     QHash<QString, QByteArray> m_prepared;
     int m_depth = 0;

@@ -22,6 +22,8 @@ public:
     // Rows changed by the last insert, update or delete.
     virtual int changes() const = 0;
     virtual bool isReadOnly() const = 0;
+    // Whether the connection broke (a server that stopped); a file's never does.
+    virtual bool isLost() const { return false; }
 
     virtual bool beginTransaction() = 0;
     virtual bool commitTransaction() = 0;

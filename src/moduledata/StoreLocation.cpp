@@ -1,7 +1,6 @@
 #include "StoreLocation.h"
 
 #include <QRegularExpression>
-#include <QUrl>
 
 namespace StoreLocation {
 namespace {
@@ -26,17 +25,18 @@ bool IsServer(const QString& location) {
 }
 
 QString Shown(const QString& location) {
-    if (IsUri(location)) {
-        QUrl url(location);
-        if (url.isValid() && !url.password().isEmpty()) {
-            url.setPassword(QStringLiteral("***"));
-            return url.toString();
-        }
-        return location;
-    }
-    static const QRegularExpression password(QStringLiteral("(password\\s*=\\s*)('[^']*'|\\S*)"));
+    // A URI has its password in its user part or as a parameter, a key=value text as a
+    // value that may be quoted.
+    static const QRegularExpression userPassword(QStringLiteral("^([^:]+://[^/?#@:]*:)[^/?#@]*@"));
+    static const QRegularExpression parameter(QStringLiteral("([?&]password=)[^&#]*"),
+                                              QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression value(QStringLiteral("(password\\s*=\\s*)('[^']*'|\\S*)"));
     QString shown = location;
-    return shown.replace(password, QStringLiteral("\\1***"));
+    if (IsUri(location)) {
+        return shown.replace(userPassword, QStringLiteral("\\1***@"))
+            .replace(parameter, QStringLiteral("\\1***"));
+    }
+    return shown.replace(value, QStringLiteral("\\1***"));
 }
 
 }  // namespace StoreLocation

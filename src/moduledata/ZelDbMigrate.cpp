@@ -1,6 +1,9 @@
 #include "ZelDbMigrate.h"
 
+#include "PgDb.h"
+#include "PgSchema.h"
 #include "SqliteDb.h"
+#include "StoreLocation.h"
 #include "StoreSchema.h"
 #include "StoreTransaction.h"
 #include "ZelPlcDbIO.h"
@@ -11,11 +14,16 @@
 
 namespace {
 
-// The schema version of the store file at path; false when it is none or can't be read.
+// The schema version of the store at path, a file or a server; false when it is none or
+// can't be read.
 bool ReadVersion(const QString& path, int& version) {
-    SqliteDb db;
     QString error;
-    return StoreSchema::Open(db, path, StoreSchema::Access::Read, version, error);
+    if (StoreLocation::IsServer(path)) {
+        PgDb server;
+        return PgSchema::Open(server, path, StoreSchema::Access::Read, version, error);
+    }
+    SqliteDb db;
+    return StoreSchema::Open(db, NativePath(path), StoreSchema::Access::Read, version, error);
 }
 
 QString BackupPath(const QString& path, int version) {
@@ -74,7 +82,7 @@ void CheckForMigration(const QString& path, bool& bRequired, bool bFirstCheck, Q
     Q_UNUSED(bFirstCheck);
     Q_UNUSED(table);
     int version = 0;
-    if (ReadVersion(NativePath(path), version)) {
+    if (ReadVersion(path, version)) {
         bRequired = version < StoreSchema::kCurrentVersion;
     }
 }

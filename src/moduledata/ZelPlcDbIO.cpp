@@ -119,7 +119,9 @@ bool ZelPlcDbIO::CreateDatabase(const QString& path, QString* error) {
 }
 
 bool ZelPlcDbIO::PutConnectionString(const QString& connection) {
-    if (m_db && connection == m_connection) {
+    // A connection that the server broke is made anew, so that opening the store again
+    // recovers from a restart of the server.
+    if (m_db && connection == m_connection && !m_db->isLost()) {
         return true;
     }
     ConnectionTarget target;

@@ -1,5 +1,5 @@
 #include "CKVModuleDB.h"
-#include "SqliteDb.h"
+#include "StoreDb.h"
 #include "StoreTestSupport.h"
 #include "TestSupport.h"
 #include "ZelPlcDbIO.h"
@@ -16,7 +16,7 @@ namespace {
 
 const QString kNull;
 
-class CKVModuleDBTest : public StoreFileTest {
+class CKVModuleDBFixture : public StoreFileTest {
 protected:
     void SetUp() override { CreateWithModules({}); }
 
@@ -47,7 +47,13 @@ protected:
     }
 };
 
-TEST_F(CKVModuleDBTest, OpenRefusesBadPathsAndUnopenableFilesWithTheirCodes) {
+using CKVModuleDBTest = OnEachBackend<CKVModuleDBFixture>;
+PLCDB_ON_EACH_BACKEND(CKVModuleDBTest);
+
+// Paths, write protection and the files of the working folder.
+class CKVModuleDBFileTest : public CKVModuleDBFixture {};
+
+TEST_F(CKVModuleDBFileTest, OpenRefusesBadPathsAndUnopenableFilesWithTheirCodes) {
     const struct {
         QString path;
         int code;
@@ -64,7 +70,7 @@ TEST_F(CKVModuleDBTest, OpenRefusesBadPathsAndUnopenableFilesWithTheirCodes) {
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrAlreadyOpen);
 }
 
-TEST_F(CKVModuleDBTest, WriteProtectedFileOpensReadOnlyAndRefusesEveryWrite) {
+TEST_F(CKVModuleDBFileTest, WriteProtectedFileOpensReadOnlyAndRefusesEveryWrite) {
     const QString table = SaveModule("C1");
     m_store.ReleaseFile(m_path);
     ASSERT_TRUE(QFile::setPermissions(m_path, QFile::ReadOwner | QFile::ReadGroup));
@@ -96,7 +102,7 @@ TEST_F(CKVModuleDBTest, WriteProtectedFileOpensReadOnlyAndRefusesEveryWrite) {
     EXPECT_EQ(RowsOf(table, "C1"), QStringList({"HP?TERM;N=1"}));
 }
 
-TEST_F(CKVModuleDBTest, EveryStoreOperationNeedsAnOpenObjectAndAStore) {
+TEST_P(CKVModuleDBTest, EveryStoreOperationNeedsAnOpenObjectAndAStore) {
     const int handle = m_db.NewModule("ACME", "S1", "T1", "C1");
     QList<_manfams> hierarchy;
     QList<_idandcatalognum> catalogs;
@@ -145,7 +151,7 @@ TEST_F(CKVModuleDBTest, EveryStoreOperationNeedsAnOpenObjectAndAStore) {
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNotOpen);
 }
 
-TEST_F(CKVModuleDBTest, NewModuleAddsTheIndexRowAtOnceAndRefusesATakenCatalogOrNoTable) {
+TEST_P(CKVModuleDBTest, NewModuleAddsTheIndexRowAtOnceAndRefusesATakenCatalogOrNoTable) {
     ASSERT_GT(m_db.NewModule("ACME", "S1", "T9", "NEVER-SAVED"), 0);
     QString table;
     EXPECT_TRUE(m_db.GetTypeTableName("ACME", "S1", "T9", table));
@@ -155,11 +161,8 @@ TEST_F(CKVModuleDBTest, NewModuleAddsTheIndexRowAtOnceAndRefusesATakenCatalogOrN
     EXPECT_EQ(m_db.NewModule("ACME", "S1", "T1", "c1"), -1);
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrCatalogExists);
 
-    // Only a damaged file has a type without table name; the API can't make one.
-    SqliteDb file;
-    ASSERT_TRUE(file.open(m_path, SqliteOpenMode::ReadWrite));
-    ASSERT_TRUE(file.exec("UPDATE plc_index SET table_name = ''"));
-    file.close();
+    // Only a damaged store has a type without table name; the API can't make one.
+    ASSERT_TRUE(OpenRaw()->exec("UPDATE plc_index SET table_name = ''"));
     EXPECT_EQ(m_db.NewModule("ACME", "S1", "T1", "C2"), -1);
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoTableName);
     ModDB::ModSpecData spec;
@@ -168,7 +171,7 @@ TEST_F(CKVModuleDBTest, NewModuleAddsTheIndexRowAtOnceAndRefusesATakenCatalogOrN
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrCatalogExists);
 }
 
-TEST_F(CKVModuleDBTest, HandlesSurviveTheReleaseOfAnotherAndBadOnesFailWithTheirCodes) {
+TEST_P(CKVModuleDBTest, HandlesSurviveTheReleaseOfAnotherAndBadOnesFailWithTheirCodes) {
     const QString table = SaveModule("C0");
     EXPECT_EQ(m_db.LoadModule(table, "", false), -1);
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoTableOrCatalog);
@@ -200,7 +203,7 @@ TEST_F(CKVModuleDBTest, HandlesSurviveTheReleaseOfAnotherAndBadOnesFailWithTheir
     EXPECT_EQ(m_db.GetLastError(), CKVModuleDB::kErrNoHandle);
 }
 
-TEST_F(CKVModuleDBTest, ValueFieldsLoadAndSaveInTheirTextForm) {
+TEST_P(CKVModuleDBTest, ValueFieldsLoadAndSaveInTheirTextForm) {
     const struct {
         QString stored;
         double value;
@@ -229,7 +232,7 @@ TEST_F(CKVModuleDBTest, ValueFieldsLoadAndSaveInTheirTextForm) {
         const int handle = m_db.LoadModule(table, "V", false);
         EXPECT_DOUBLE_EQ(m_db.GetModule(handle).GetBoxB4(), c.value) << c.stored.toStdString();
         EXPECT_EQ(m_db.GetModule(handle).GetUnitB4(), c.unit);
-        ASSERT_TRUE(m_db.SaveModule(handle));
+        ASSERT_TRUE(m_db.SaveModule(handle)) << m_store.m_strLastError.toStdString();
         QList<ModDB::ModTermData> rows;
         ASSERT_TRUE(m_db.ReadRawModule(table, "V", spec, rows));
         EXPECT_EQ(spec.BoxB4, c.saved) << c.stored.toStdString();
@@ -239,7 +242,7 @@ TEST_F(CKVModuleDBTest, ValueFieldsLoadAndSaveInTheirTextForm) {
     }
 }
 
-TEST_F(CKVModuleDBTest, ModuleRoundTripsWithItsFieldsRowsAndPrompts) {
+TEST_P(CKVModuleDBTest, ModuleRoundTripsWithItsFieldsRowsAndPrompts) {
     ASSERT_TRUE(m_db.AddPromptRow({"SLOT", "SLOT"}));
     ASSERT_TRUE(m_db.LoadPrompts());
     const int handle = m_db.NewModule("ACME", "S1", "T1", "C1");
@@ -267,7 +270,7 @@ TEST_F(CKVModuleDBTest, ModuleRoundTripsWithItsFieldsRowsAndPrompts) {
     EXPECT_EQ(copy.Prompts().mid(0, 3), QStringList({"SLOT", "", ""}));
 }
 
-TEST_F(CKVModuleDBTest, HierarchyGroupsRowsWithoutRegardToCase) {
+TEST_P(CKVModuleDBTest, HierarchyGroupsRowsWithoutRegardToCase) {
     QList<_manfams> hierarchy{{"stale", {}}};
     ASSERT_TRUE(m_db.AddIndex("ACME", "S1", kNull));
     ASSERT_TRUE(m_db.AddIndex("acme", "s1", "T1"));
@@ -281,7 +284,7 @@ TEST_F(CKVModuleDBTest, HierarchyGroupsRowsWithoutRegardToCase) {
     EXPECT_TRUE(hierarchy[1].families.isEmpty());
 }
 
-TEST_F(CKVModuleDBTest, RemoveEntryTakesTheLevelOfTheFirstNullWithEverythingBelowIt) {
+TEST_P(CKVModuleDBTest, RemoveEntryTakesTheLevelOfTheFirstNullWithEverythingBelowIt) {
     const QString table = SaveModule("C1");
     SaveModule("C2");
     const QString kept = SaveModule("C1", {"K;N=1"}, "S2");
@@ -311,7 +314,7 @@ TEST_F(CKVModuleDBTest, RemoveEntryTakesTheLevelOfTheFirstNullWithEverythingBelo
     EXPECT_TRUE(index.isEmpty());
 }
 
-TEST_F(CKVModuleDBTest, CopyAndRenameRefuseTakenOrMissingNames) {
+TEST_P(CKVModuleDBTest, CopyAndRenameRefuseTakenOrMissingNames) {
     const QString table = SaveModule("C1", {"A;N=1", "B;N=2"});
     SaveModule("C2");
     EXPECT_FALSE(m_db.CopyModule("C1", table, "c2", table));
@@ -328,7 +331,7 @@ TEST_F(CKVModuleDBTest, CopyAndRenameRefuseTakenOrMissingNames) {
     EXPECT_EQ(RowsOf(table, "C4"), QStringList({"A;N=1", "B;N=2"}));
 }
 
-TEST_F(CKVModuleDBTest, PromptCensusCountsPromptsAndLogsTheCutTokens) {
+TEST_F(CKVModuleDBFileTest, PromptCensusCountsPromptsAndLogsTheCutTokens) {
     const QString previous = QDir::currentPath();
     ASSERT_TRUE(QDir::setCurrent(m_dir.path()));
     CKVModule module;

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-class CatalogDocumentTest : public StoreFileTest {
+class CatalogDocumentFixture : public StoreFileTest {
 protected:
     void SetUp() override { CreateWithModules({}); }
     QJsonObject exported() {
@@ -20,7 +20,10 @@ protected:
     }
 };
 
-TEST_F(CatalogDocumentTest, TextsPassUnchangedAndMissingKeysAreEmpty) {
+using CatalogDocumentTest = OnEachBackend<CatalogDocumentFixture>;
+PLCDB_ON_EACH_BACKEND(CatalogDocumentTest);
+
+TEST_P(CatalogDocumentTest, TextsPassUnchangedAndMissingKeysAreEmpty) {
     ASSERT_TRUE(import(R"({"format":"plcdb","version":1,
         "modules":[{"manufacturer":"M","series":"S","type":"T",
                     "spec":{"Code":"C1","BoxA1":" 12,5 mm ","DirFlags":"7"},
@@ -39,7 +42,7 @@ TEST_F(CatalogDocumentTest, TextsPassUnchangedAndMissingKeysAreEmpty) {
     EXPECT_EQ(document.value("index").toArray().size(), 3);
 }
 
-TEST_F(CatalogDocumentTest, AnyErrorIsNamedAndWritesNothing) {
+TEST_P(CatalogDocumentTest, AnyErrorIsNamedAndWritesNothing) {
     const QJsonObject empty = exported();
     QString error;
     // The reserved field is in the store but not in the document.
@@ -76,7 +79,7 @@ TEST_F(CatalogDocumentTest, AnyErrorIsNamedAndWritesNothing) {
 }
 
 // Regression: a document without a version was refused as "version  of the document".
-TEST_F(CatalogDocumentTest, AWrongVersionSaysWhatIsWrong) {
+TEST_P(CatalogDocumentTest, AWrongVersionSaysWhatIsWrong) {
     const std::pair<const char*, const char*> cases[] = {
         {R"({"format":"plcdb"})", "the document has no \"version\""},
         {R"({"format":"plcdb","version":null})", "the document has no \"version\""},

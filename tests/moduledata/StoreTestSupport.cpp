@@ -1,8 +1,10 @@
 #include "StoreTestSupport.h"
 
 #include "CKVModuleDB.h"
+#include "PgDb.h"
 #include "SqliteDb.h"
 #include "SqliteStatement.h"
+#include "TestServer.h"
 #include "TestSupport.h"
 
 QString IntegrityCheck(const QString& path) {
@@ -55,10 +57,32 @@ QString StoreChild::command(const QString& line) {
     return readLine();
 }
 
+std::string BackendName(const testing::TestParamInfo<Backend>& info) {
+    return info.param == Backend::Server ? "Server" : "File";
+}
+
+void PrintTo(Backend backend, std::ostream* out) {
+    *out << BackendName(testing::TestParamInfo<Backend>(backend, 0));
+}
+
+void StoreFileTest::CreateStore() {
+    if (OnServer()) {
+        PLCDB_NEED_TEST_SERVER();
+        m_path = TestServer::NewDatabase();
+        ASSERT_FALSE(m_path.isEmpty());
+    } else {
+        ASSERT_TRUE(m_dir.isValid());
+        m_path = m_dir.filePath("ZEL_PLC.MDB");
+    }
+    QString error;
+    ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path, &error)) << error.toStdString();
+}
+
 void StoreFileTest::CreateWithModules(std::initializer_list<const char*> catalogs) {
-    ASSERT_TRUE(m_dir.isValid());
-    m_path = m_dir.filePath("ZEL_PLC.MDB");
-    ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path));
+    CreateStore();
+    if (HasFatalFailure() || IsSkipped()) {
+        return;
+    }
     ZelPlcDbIO::SetInstance(&m_store);
     ASSERT_TRUE(m_db.Open(m_path));
     for (const char* catalog : catalogs) {
@@ -67,6 +91,17 @@ void StoreFileTest::CreateWithModules(std::initializer_list<const char*> catalog
         ASSERT_TRUE(m_db.SaveModule(handle));
     }
     ASSERT_EQ(m_db.GetTypeTableName("M", "S", "T", m_table), catalogs.size() > 0);
+}
+
+std::unique_ptr<StoreDb> StoreFileTest::OpenRaw() const {
+    if (OnServer()) {
+        auto server = std::make_unique<PgDb>();
+        EXPECT_TRUE(server->open(m_path)) << server->lastError().toStdString();
+        return server;
+    }
+    auto file = std::make_unique<SqliteDb>();
+    EXPECT_TRUE(file->open(m_path, SqliteOpenMode::ReadWrite));
+    return file;
 }
 
 void StoreFileTest::TearDown() {

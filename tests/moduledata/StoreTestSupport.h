@@ -11,6 +11,11 @@
 #include <gtest/gtest.h>
 
 #include <initializer_list>
+#include <memory>
+#include <ostream>
+#include <string>
+
+class StoreDb;
 
 // SQLite's own verdict on the whole file ("ok" when sound), through a connection of its
 // own that is closed after.
@@ -38,12 +43,27 @@ public:
     QProcess process;
 };
 
-// A new database file in a temporary folder, held open all along as the tree of an open
+// Where a test's store lies: a file, or a database of its own on the test server.
+enum class Backend { File, Server };
+
+// "File" or "Server", for the names of the tests that run on each and their messages.
+std::string BackendName(const testing::TestParamInfo<Backend>& info);
+void PrintTo(Backend backend, std::ostream* out);
+
+// A new store (a database file in a temporary folder, or a new database on the test server
+// for a fixture that runs on each backend), held open all along as the tree of an open
 // dialog holds its store, with saved modules of the given catalogs under M / S / T (whose
-// table is m_table once there is one).
+// table is m_table once there is one). m_path is the file's path or the server's URI.
 class StoreFileTest : public testing::Test {
 protected:
+    virtual Backend backend() const { return Backend::File; }
+    bool OnServer() const { return backend() == Backend::Server; }
+    // A new empty store at m_path; on a server, skips the test when there is none.
+    void CreateStore();
     void CreateWithModules(std::initializer_list<const char*> catalogs);
+    // A connection of the test's own to the store, beside the store's rules, for damage
+    // that no operation of the store can make.
+    std::unique_ptr<StoreDb> OpenRaw() const;
     void TearDown() override;
 
     QTemporaryDir m_dir;
@@ -52,3 +72,14 @@ protected:
     ZelPlcDbIO m_store;
     CKVModuleDB m_db;
 };
+
+// The fixture on the backend of the test's parameter; instantiate its tests with
+// PLCDB_ON_EACH_BACKEND.
+template <class Fixture>
+class OnEachBackend : public Fixture, public testing::WithParamInterface<Backend> {
+protected:
+    Backend backend() const override { return this->GetParam(); }
+};
+
+#define PLCDB_ON_EACH_BACKEND(suite) \
+    INSTANTIATE_TEST_SUITE_P(, suite, testing::Values(Backend::File, Backend::Server), BackendName)

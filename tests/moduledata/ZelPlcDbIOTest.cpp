@@ -1,7 +1,7 @@
 #include "SqliteDb.h"
-#include "StoreTransaction.h"
 #include "ZelPlcDbIO.h"
 
+#include "StoreTestSupport.h"
 #include "TestSupport.h"
 
 #include <QDir>
@@ -19,11 +19,6 @@ const QString kReadExclusive = QStringLiteral("Read|Share Deny Read|Share Deny W
 QString ConnectionText(const QString& path, const QString& mode) {
     return QStringLiteral("Provider=Any.Provider.1;Data Source=%1;Mode=%2;Engine Option=5")
         .arg(path, mode);
-}
-
-int CountRows(SqliteDb& db) {
-    SqliteStatement statement = db.prepare(QStringLiteral("SELECT count(*) FROM t"));
-    return statement.next() ? statement.toInt(0) : -1;
 }
 
 ModDB::ModSpecData SpecWithDistinctFields(const QString& code) {
@@ -44,61 +39,14 @@ QStringList SpecFields(const ModDB::ModSpecData& spec) {
     return fields;
 }
 
-TEST(SqliteDbTest, GuardRollsBackUnlessCommittedAndInnerGuardsJoinTheOuterOne) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("t.db");
-    SqliteDb db;
-    ASSERT_TRUE(db.open(path, SqliteOpenMode::Create));
-    ASSERT_TRUE(db.exec("CREATE TABLE t (x INTEGER UNIQUE)"));
-    SqliteDb reader;
-    ASSERT_TRUE(reader.open(path, SqliteOpenMode::ReadOnly));
-    {
-        StoreTransaction outer(db);
-        EXPECT_TRUE(db.exec("INSERT INTO t VALUES (1)"));
-        {
-            StoreTransaction committed(db);
-            EXPECT_TRUE(db.exec("INSERT INTO t VALUES (2)"));
-            EXPECT_TRUE(committed.commit());
-        }
-        {
-            StoreTransaction abandoned(db);
-            EXPECT_TRUE(db.exec("INSERT INTO t VALUES (3)"));
-        }
-        EXPECT_EQ(CountRows(db), 2);
-        // An inner commit writes nothing before the outer one.
-        EXPECT_EQ(CountRows(reader), 0);
-        EXPECT_TRUE(outer.commit());
-    }
-    EXPECT_EQ(CountRows(reader), 2);
-    EXPECT_EQ(db.transactionDepth(), 0);
-    EXPECT_FALSE(db.commitTransaction());
-}
-
-TEST(SqliteDbTest, FailuresAreResultsWithAText) {
-    QTemporaryDir dir;
-    SqliteDb db;
-    ASSERT_TRUE(db.open(dir.filePath("t.db"), SqliteOpenMode::Create));
-    ASSERT_TRUE(db.exec("CREATE TABLE t (x INTEGER UNIQUE)"));
-    EXPECT_FALSE(db.prepare("SELECT nothing FROM nowhere").isValid());
-
-    SqliteStatement insert = db.prepare("INSERT INTO t VALUES (?1)");
-    EXPECT_TRUE(insert.bind(1, 5).run());
-    // The same text while the first statement is still lent out, and a clash.
-    SqliteStatement again = db.prepare("INSERT INTO t VALUES (?1)");
-    EXPECT_FALSE(again.bind(1, 5).run());
-    EXPECT_TRUE(db.lastError().contains("UNIQUE"));
-    SqliteStatement outOfRange = db.prepare("INSERT INTO t VALUES (?1)");
-    EXPECT_FALSE(outOfRange.bind(2, 6).run());
-    EXPECT_EQ(CountRows(db), 1);
-}
-
-class ZelPlcDbIOTest : public testing::Test {
+class ZelPlcDbIOFixture : public StoreFileTest {
 protected:
     void SetUp() override {
-        m_path = m_dir.filePath("ZEL_PLC.MDB");
-        QString error;
-        ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(m_path, &error)) << error.toStdString();
-        ASSERT_TRUE(m_store.PutConnectionString(ConnectionText(m_path, kShared)));
+        CreateStore();
+        if (!HasFatalFailure() && !IsSkipped()) {
+            ASSERT_TRUE(m_store.PutConnectionString(ConnectionText(m_path, kShared)))
+                << m_store.m_strLastError.toStdString();
+        }
     }
 
     // Adds a type and answers its table name.
@@ -128,11 +76,13 @@ protected:
         }
         return numbers;
     }
-
-    QTemporaryDir m_dir;
-    QString m_path;
-    ZelPlcDbIO m_store;
 };
+
+using ZelPlcDbIOTest = OnEachBackend<ZelPlcDbIOFixture>;
+PLCDB_ON_EACH_BACKEND(ZelPlcDbIOTest);
+
+// What only a file has: modes of its own, and a path that the file can be moved from.
+class ZelPlcDbIOFileTest : public ZelPlcDbIOFixture {};
 
 // The index rows as "Manufacturer|Series|Type", a type row (one with a table) marked "*".
 QStringList IndexRows(ZelPlcDbIO& store) {
@@ -147,7 +97,7 @@ QStringList IndexRows(ZelPlcDbIO& store) {
     return texts;
 }
 
-TEST_F(ZelPlcDbIOTest, IndexComesGroupedAndSortedWithoutRegardToCaseEmptyNamesFirst) {
+TEST_P(ZelPlcDbIOTest, IndexComesGroupedAndSortedWithoutRegardToCaseEmptyNamesFirst) {
     EXPECT_TRUE(m_store.AddIndexData("Zeta", QString(), QString()));
     addType("acme", "S2", "T1");
     EXPECT_TRUE(m_store.AddIndexData("ACME", "s1", QString()));
@@ -162,7 +112,7 @@ TEST_F(ZelPlcDbIOTest, IndexComesGroupedAndSortedWithoutRegardToCaseEmptyNamesFi
                                                "M||T*", "M|S|", "M|S|*", "Zeta||"}));
 }
 
-TEST_F(ZelPlcDbIOTest, NamesAreUniquePerLevelWithoutRegardToCaseUnicodeIncluded) {
+TEST_P(ZelPlcDbIOTest, NamesAreUniquePerLevelWithoutRegardToCaseUnicodeIncluded) {
     EXPECT_TRUE(m_store.AddIndexData("ÄRGER", QString(), QString()));
     EXPECT_FALSE(m_store.AddIndexData("ärger", QString(), QString()));
     EXPECT_FALSE(m_store.m_strLastError.isEmpty());
@@ -193,7 +143,7 @@ TEST_F(ZelPlcDbIOTest, NamesAreUniquePerLevelWithoutRegardToCaseUnicodeIncluded)
     EXPECT_FALSE(m_store.GetTypeTableName("ärger", "σειρά", QString(), again));
 }
 
-TEST_F(ZelPlcDbIOTest, RenameChangesTheLowestGivenLevelAndRefusesATakenName) {
+TEST_P(ZelPlcDbIOTest, RenameChangesTheLowestGivenLevelAndRefusesATakenName) {
     const QString table = addType("M", "S", "T");
     addType("M", "S", "U");
     addType("M", "R", "T");
@@ -223,7 +173,7 @@ TEST_F(ZelPlcDbIOTest, RenameChangesTheLowestGivenLevelAndRefusesATakenName) {
     EXPECT_EQ(renamed, table);
 }
 
-TEST_F(ZelPlcDbIOTest, SpecRowsKeepAllFieldsAndCodesCompareWithoutRegardToCase) {
+TEST_P(ZelPlcDbIOTest, SpecRowsKeepAllFieldsAndCodesCompareWithoutRegardToCase) {
     const QString table = addType("M", "S", "T");
     const QString other = addType("M", "S", "U");
     ModDB::ModSpecData spec = SpecWithDistinctFields("Öl-1");
@@ -237,7 +187,8 @@ TEST_F(ZelPlcDbIOTest, SpecRowsKeepAllFieldsAndCodesCompareWithoutRegardToCase) 
     EXPECT_EQ(SpecFields(read), SpecFields(spec));
     spec.Description = "changed";
     spec.DirFlags.clear();
-    ASSERT_TRUE(m_store.UpdateModSpecData(table, "ÖL-1", spec, false));
+    ASSERT_TRUE(m_store.UpdateModSpecData(table, "ÖL-1", spec, false))
+        << m_store.m_strLastError.toStdString();
     ASSERT_TRUE(m_store.GetModSpecData(table, "Öl-1", read, true));
     EXPECT_EQ(SpecFields(read), SpecFields(spec));
     EXPECT_FALSE(m_store.UpdateModSpecData(table, "none", spec, false));
@@ -257,7 +208,7 @@ TEST_F(ZelPlcDbIOTest, SpecRowsKeepAllFieldsAndCodesCompareWithoutRegardToCase) 
     EXPECT_TRUE(exists);
 }
 
-TEST_F(ZelPlcDbIOTest, TerminalRowsComeInNumberOrderAndBatchesAreAtomic) {
+TEST_P(ZelPlcDbIOTest, TerminalRowsComeInNumberOrderAndBatchesAreAtomic) {
     const QString table = addType("M", "S", "T");
     const QString data = table + "_Data";
     QList<ModDB::ModTermData> rows{{"x", 1, "", ""}};
@@ -290,7 +241,7 @@ TEST_F(ZelPlcDbIOTest, TerminalRowsComeInNumberOrderAndBatchesAreAtomic) {
     EXPECT_EQ(rowNumbers(table, "other"), QList<int>({1}));
 }
 
-TEST_F(ZelPlcDbIOTest, StyleBoxesStayNineAndPromptsAreFoundAsWritten) {
+TEST_P(ZelPlcDbIOTest, StyleBoxesStayNineAndPromptsAreFoundAsWritten) {
     // There are nine, and no update makes a tenth.
     ModDB::StyleBoxData style;
     EXPECT_FALSE(m_store.UpdateStyleBoxData(10, style));
@@ -309,7 +260,7 @@ TEST_F(ZelPlcDbIOTest, StyleBoxesStayNineAndPromptsAreFoundAsWritten) {
     EXPECT_TRUE(fresh.ReturnLocalizedPrompt("slot no.").isEmpty());
 }
 
-TEST_F(ZelPlcDbIOTest, EachFileOpensOnlyInTheModesItAllows) {
+TEST_F(ZelPlcDbIOFileTest, EachFileOpensOnlyInTheModesItAllows) {
     const QString writable = m_dir.filePath("writable.mdb");
     const QString locked = m_dir.filePath("locked.mdb");
     const QString garbage = m_dir.filePath("garbage.mdb");
@@ -352,7 +303,7 @@ TEST_F(ZelPlcDbIOTest, EachFileOpensOnlyInTheModesItAllows) {
     EXPECT_EQ(file.readAll(), noise);
 }
 
-TEST_F(ZelPlcDbIOTest, ConnectionTextsInTheirUsualForms) {
+TEST_F(ZelPlcDbIOFileTest, ConnectionTextsInTheirUsualForms) {
     ASSERT_TRUE(QDir(m_dir.path()).mkdir("a;b"));
     const QString odd = m_dir.filePath("a;b/ZEL_PLC.MDB");
     ASSERT_TRUE(ZelPlcDbIO::CreateDatabase(odd));
@@ -376,7 +327,7 @@ TEST_F(ZelPlcDbIOTest, ConnectionTextsInTheirUsualForms) {
     }
 }
 
-TEST_F(ZelPlcDbIOTest, TheSameConnectionTextKeepsTheOpenConnection) {
+TEST_F(ZelPlcDbIOFileTest, TheSameConnectionTextKeepsTheOpenConnection) {
     const QString table = addType("M", "S", "T");
     const QString moved = m_dir.filePath("moved.mdb");
     ASSERT_TRUE(QFile::rename(m_path, moved));
