@@ -135,6 +135,32 @@ bool CreateIn(const QString& connection, QString* error) {
     return reason.isEmpty();
 }
 
+bool RemoveEmpty(const QString& connection, QString* error) {
+    PgDb db;
+    QString reason;
+    if (db.open(connection)) {
+        StoreTransaction transaction(db);
+        StoreStatement rows = db.query(
+            QStringLiteral("SELECT (SELECT count(*) FROM plc_index) + (SELECT count(*) FROM "
+                           "plc_spec) + (SELECT count(*) FROM plc_prompt)"));
+        if (!transaction.isActive() || !rows.next()) {
+            reason = db.failureText();
+        } else if (rows.toInt64(0) != 0) {
+            reason = QStringLiteral("%1 holds a catalog").arg(db.location());
+        } else if (!db.exec(QStringLiteral("DROP TABLE plc_meta, plc_index, plc_spec, plc_term, "
+                                           "plc_style, plc_prompt")) ||
+                   !transaction.commit()) {
+            reason = db.failureText();
+        }
+    } else {
+        reason = db.failureText();
+    }
+    if (error) {
+        *error = reason;
+    }
+    return reason.isEmpty();
+}
+
 bool Open(PgDb& db, const QString& connection, StoreSchema::Access access, int& version,
           QString& error) {
     if (!db.open(connection)) {

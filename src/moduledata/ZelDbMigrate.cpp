@@ -1,8 +1,9 @@
 #include "ZelDbMigrate.h"
 
 #include "SqliteDb.h"
-#include "StoreTransaction.h"
+#include "StoreLocation.h"
 #include "StoreSchema.h"
+#include "StoreTransaction.h"
 #include "ZelPlcDbIO.h"
 #include "ZelUtils.h"
 
@@ -12,7 +13,12 @@
 namespace {
 
 // The schema version of the store file at path; false when it is none or can't be read.
+// A catalog on a server is made at the current version and never needs an upgrade.
 bool ReadVersion(const QString& path, int& version) {
+    if (StoreLocation::IsServer(path)) {
+        version = StoreSchema::kCurrentVersion;
+        return true;
+    }
     SqliteDb db;
     QString error;
     return StoreSchema::Open(db, path, StoreSchema::Access::Read, version, error);

@@ -1,7 +1,6 @@
 #include "StoreLocation.h"
 
 #include <QRegularExpression>
-#include <QUrl>
 
 namespace StoreLocation {
 namespace {
@@ -26,16 +25,17 @@ bool IsServer(const QString& location) {
 }
 
 QString Shown(const QString& location) {
-    if (IsUri(location)) {
-        QUrl url(location);
-        if (url.isValid() && !url.password().isEmpty()) {
-            url.setPassword(QStringLiteral("***"));
-            return url.toString();
-        }
-        return location;
-    }
+    // A URI carries a password behind the user's name before the host, or as a parameter
+    // of its query; a key=value text as the value of "password".
+    static const QRegularExpression uriPassword(QStringLiteral("^([a-z]+://[^/@:]*:)[^@/]*@"),
+                                                QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression queryPassword(QStringLiteral("([?&]password=)[^&]*"));
     static const QRegularExpression password(QStringLiteral("(password\\s*=\\s*)('[^']*'|\\S*)"));
     QString shown = location;
+    if (IsUri(location)) {
+        return shown.replace(uriPassword, QStringLiteral("\\1***@"))
+            .replace(queryPassword, QStringLiteral("\\1***"));
+    }
     return shown.replace(password, QStringLiteral("\\1***"));
 }
 
