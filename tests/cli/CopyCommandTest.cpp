@@ -7,6 +7,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QTemporaryDir>
+#include <QUrl>
+#include <QUrlQuery>
 
 #include <gtest/gtest.h>
 
@@ -108,6 +110,10 @@ TEST(CopyCommand, ServerCommandsAnswerAsOnTheFileAndNeverPrintThePassword) {
         QString(server).replace("postgresql://", "postgresql://plcdb:" + secret + "@");
     const QString missing =
         "postgresql:///missing?" + server.section(u'?', 1) + "&password=" + secret;
+    // Regression: a key=value text without a "/" was refused as a path without a folder.
+    qputenv("PGHOST", QUrlQuery(QUrl(server)).queryItemValue("host").toUtf8());
+    const QString keyValue =
+        QStringLiteral("dbname=%1 user=plcdb password=%2").arg(QUrl(server).path().mid(1), secret);
     // The file's report, naming the server as messages show it.
     const QString fileCheck =
         RunPlcdb({"--db", kSample, "check"}).out.replace(kSample, server + "&password=***");
@@ -120,6 +126,7 @@ TEST(CopyCommand, ServerCommandsAnswerAsOnTheFileAndNeverPrintThePassword) {
     } cases[] = {
         {{"--db", inQuery, "check"}, 0, fileCheck},
         {QStringList{"--db", inUserInfo} + kSelectNv1408, 0, fileSelect},
+        {QStringList{"--db", keyValue} + kSelectNv1408, 0, fileSelect},
         {{"copy", "--from", inQuery, "--to", dir.filePath("a.mdb")}, 0, "copied "},
         {{"copy", "--from", kSample, "--to", inUserInfo}, 1, ""},
         {{"--db", missing, "list"}, 1, ""},
@@ -130,6 +137,7 @@ TEST(CopyCommand, ServerCommandsAnswerAsOnTheFileAndNeverPrintThePassword) {
         EXPECT_EQ(run.out.left(c.out.size()), c.out);
         EXPECT_FALSE((run.out + run.err).contains(secret)) << qPrintable(run.out + run.err);
     }
+    qunsetenv("PGHOST");
 }
 
 TEST(CopyCommand, TheHostConfigurationNamesAServerDatabase) {
