@@ -19,6 +19,9 @@ const QStringList kSelectNv1408 = {"select",       "--manufacturer", "Norvale Co
                                    "--series",     "NV-100",         "--type",
                                    "Analog Input", "--catalog",      "NV-1408"};
 
+const QByteArray kOneModule = R"({"format":"plcdb","version":1,
+    "modules":[{"manufacturer":"M","series":"S","type":"T","spec":{"Code":"C1"}}]})";
+
 QJsonObject Export(const QString& database) {
     const PlcdbRun run = RunPlcdb({"--db", database, "export"});
     EXPECT_EQ(run.status, 0) << qPrintable(run.err);
@@ -29,19 +32,19 @@ PlcdbRun Copy(const QString& from, const QString& to) {
     return RunPlcdb({"copy", "--from", from, "--to", to});
 }
 
-// A file and, where the test server runs, a server database: each made by init and
-// holding one module that the sample lacks.
+// A new file in dir and, where the test server runs, a new server database.
+QStringList NewStores(const QTemporaryDir& dir) {
+    return QStringList{dir.filePath("new.mdb")} + (TestServer::Available(nullptr)
+                                                       ? QStringList{TestServer::NewDatabase()}
+                                                       : QStringList{});
+}
+
+// New stores, each made by init and holding one module that the sample lacks.
 QStringList CatalogsWithOneModule(const QTemporaryDir& dir) {
-    QStringList stores{dir.filePath("one.mdb")};
-    if (TestServer::Available(nullptr)) {
-        stores << TestServer::NewDatabase();
-    }
+    const QStringList stores = NewStores(dir);
     for (const QString& store : stores) {
         EXPECT_EQ(RunPlcdb({"init", store}).status, 0);
-        EXPECT_EQ(RunPlcdb({"--db", store, "import", "-"}, R"({"format":"plcdb","version":1,
-            "modules":[{"manufacturer":"M","series":"S","type":"T","spec":{"Code":"C1"}}]})")
-                      .status,
-                  0);
+        EXPECT_EQ(RunPlcdb({"--db", store, "import", "-"}, kOneModule).status, 0);
     }
     return stores;
 }
@@ -52,16 +55,15 @@ TEST(CopyCommand, TheSampleCopiedToAServerAndBackExportsTheSameDocument) {
     PLCDB_NEED_TEST_SERVER();
     const QString server = TestServer::NewDatabase();
     QTemporaryDir dir;
-    const QString back = dir.filePath("back.mdb");
     const PlcdbRun there = Copy(kSample, server);
     ASSERT_EQ(there.status, 0) << qPrintable(there.err);
     const QJsonObject sample = Export(kSample);
     EXPECT_TRUE(there.out.startsWith(
         QStringLiteral("copied %1 modules").arg(sample["modules"].toArray().size())))
         << qPrintable(there.out);
-    const PlcdbRun home = Copy(server, back);
+    const PlcdbRun home = Copy(server, dir.filePath("back.mdb"));
     ASSERT_EQ(home.status, 0) << qPrintable(home.err);
-    EXPECT_EQ(Export(back), sample);
+    EXPECT_EQ(Export(dir.filePath("back.mdb")), sample);
 }
 
 TEST(CopyCommand, ADestinationThatHoldsACatalogIsRefusedAndLeftAsItWas) {
@@ -86,11 +88,7 @@ TEST(CopyCommand, ACopyThatFailsHalfwayLeavesNoNewCatalogBehind) {
     ASSERT_TRUE(damage.open(source, SqliteOpenMode::ReadWrite) &&
                 damage.exec("INSERT INTO plc_prompt (prompt, localized) VALUES ('', 'x')"));
     damage.close();
-    QStringList targets{dir.filePath("new.mdb")};
-    if (TestServer::Available(nullptr)) {
-        targets << TestServer::NewDatabase();
-    }
-    for (const QString& target : targets) {
+    for (const QString& target : NewStores(dir)) {
         const PlcdbRun run = Copy(source, target);
         EXPECT_EQ(run.status, 1) << qPrintable(target);
         EXPECT_TRUE(run.err.contains("has no prompt; nothing was copied")) << qPrintable(run.err);
@@ -100,7 +98,7 @@ TEST(CopyCommand, ACopyThatFailsHalfwayLeavesNoNewCatalogBehind) {
     }
 }
 
-TEST(CopyCommand, ServerCommandsAnswerAsOnTheFileAndNeverPrintThePassword) {
+TEST(CopyCommand, ServerCommandsAnswerAsOnTheFileHoweverNamedAndNeverPrintThePassword) {
     PLCDB_NEED_TEST_SERVER();
     const QString server = TestServer::NewDatabase();
     ASSERT_EQ(Copy(kSample, server).status, 0);
@@ -138,30 +136,17 @@ TEST(CopyCommand, ServerCommandsAnswerAsOnTheFileAndNeverPrintThePassword) {
         EXPECT_FALSE((run.out + run.err).contains(secret)) << qPrintable(run.out + run.err);
     }
     qunsetenv("PGHOST");
-}
-
-TEST(CopyCommand, TheHostConfigurationNamesAServerDatabase) {
-    PLCDB_NEED_TEST_SERVER();
-    const QString server = TestServer::NewDatabase();
-    ASSERT_EQ(Copy(kSample, server).status, 0);
-    const QString fileSelect = RunPlcdb(QStringList{"--db", kSample} + kSelectNv1408).out;
-    QTemporaryDir dir;
+    // The host's settings file and its environment name the server as --db does.
     QFile ini(dir.filePath("host.ini"));
     ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
     ini.write(("[host]\ndatabase=" + server + "\n").toUtf8());
     ini.close();
-    const struct {
-        QStringList options;
-        const char* environment;
-    } ways[] = {{{"--host-config", ini.fileName()}, nullptr}, {{}, "PLCDB_DB"}};
-    for (const auto& way : ways) {
-        if (way.environment) {
-            qputenv(way.environment, server.toUtf8());
-        }
-        const PlcdbRun run = RunPlcdb(way.options + kSelectNv1408);
-        if (way.environment) {
-            qunsetenv(way.environment);
-        }
+    const PlcdbRun fromSettings =
+        RunPlcdb(QStringList{"--host-config", ini.fileName()} + kSelectNv1408);
+    qputenv("PLCDB_DB", server.toUtf8());
+    const PlcdbRun fromEnvironment = RunPlcdb(kSelectNv1408);
+    qunsetenv("PLCDB_DB");
+    for (const PlcdbRun& run : {fromSettings, fromEnvironment}) {
         EXPECT_EQ(run.status, 0) << qPrintable(run.err);
         EXPECT_EQ(run.out, fileSelect);
     }
