@@ -139,9 +139,7 @@ bool CreateIn(const QString& connection, QString* error) {
     PgDb db;
     QString reason;
     QStringList present;
-    if (!db.open(connection)) {
-        reason = db.failureText();
-    } else if (!PresentTables(db, present)) {
+    if (!db.open(connection) || !PresentTables(db, present)) {
         reason = db.failureText();
     } else if (!present.isEmpty()) {
         reason = QStringLiteral("%1 holds a catalog already").arg(db.location());
