@@ -2,8 +2,10 @@
 
 #include "HostBridge.h"
 #include "HostServices.h"
+#include "Messages.h"
 #include "MigrationQuestion.h"
 #include "ResourceLibrary.h"
+#include "StoreLocation.h"
 #include "ZelDbMigrate.h"
 
 namespace {
@@ -22,6 +24,12 @@ bool RunMigrationCommand() {
     const HostCell* chosen = answer.at(0);
     if (chosen && chosen->type == kHostString) {
         path = chosen->text;
+    }
+    if (StoreLocation::IsServer(path)) {
+        Messages::ShowText(QStringLiteral("The catalog on the server %1 is of the current "
+                                          "version; it needs no upgrade.")
+                               .arg(StoreLocation::Shown(path)));
+        return true;
     }
     Migrate(path, true, false, &ShowMigrationHelp, QString(), QString(), QString(), QString());
     return true;

@@ -7,6 +7,7 @@
 #include "CliOptions.h"
 #include "DatabaseSession.h"
 #include "HostSession.h"
+#include "StoreLocation.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -142,17 +143,19 @@ int RunCheckCommand(const CliOptions& options) {
     }
     // The host finds the database and the block list as it does for the editor.
     HostSession host;
-    QString database;
-    if (!host.startHost(options, &error) || !DatabaseSession::FindFile(options, database, &error)) {
+    QString location;
+    if (!host.startHost(options, &error) || !DatabaseSession::FindFile(options, location, &error)) {
         return Fail(error);
     }
+    // Reports name a server without its password.
+    const QString database = StoreLocation::Shown(location);
     CBlockDescEx blocks;
     QString blockList;
     if (!ReadBlockList(check, blocks, blockList, error)) {
         return Fail(error);
     }
     CatalogCheck catalog;
-    if (!catalog.Run(CliOptions::FullPath(database), blockList.isNull() ? nullptr : &blocks)) {
+    if (!catalog.Run(CliOptions::FullPath(location), blockList.isNull() ? nullptr : &blocks)) {
         return Fail(
             QStringLiteral("cannot read the database %1: %2").arg(database, catalog.Failure()));
     }

@@ -30,8 +30,11 @@ const char* const kHostOptionsHelp =
     "  --precision N        decimals of numbers the host formats (PLCDB_PRECISION, 4)\n"
     "  --file PATH          the answer to the host's file questions\n"
     "  --plugin PATH        the plug-in to load (default: zel_mb beside plcdb)\n"
-    "  --db FILE            the database (default: ZEL_PLC.MDB found on the support\n"
-    "                       path); the host answers its lookup of ZEL_PLC.MDB with FILE\n";
+    "  --db DB              the database: a file, or a PostgreSQL server as a URI\n"
+    "                       (postgresql://USER@HOST/NAME) or as key=value text\n"
+    "                       (\"host=HOST dbname=NAME\"); the host answers its lookup of\n"
+    "                       ZEL_PLC.MDB with DB (default: database of the host settings,\n"
+    "                       PLCDB_DB, else ZEL_PLC.MDB found on the support path)\n";
 
 }  // namespace
 
@@ -91,7 +94,10 @@ QString CliOptions::MainHelp() {
                "  call EXPR...   call an external function as the Lisp side does and print\n"
                "                 its answer, e.g. plcdb call '(zel_delay 1)'\n"
                "  call -         read one expression a line from standard input\n"
-               "  init FILE      create a new, empty database\n"
+               "  init DB        create a new, empty database: a file, or the tables in an\n"
+               "                 empty database on a PostgreSQL server\n"
+               "  copy           copy a whole catalog from one database to another, such\n"
+               "                 as from a file to a server: --from DB --to DB\n"
                "  list           show the manufacturers, series, types and catalogs\n"
                "  export [OUT]   write the whole database as one JSON document\n"
                "  import IN      add a JSON document to the database\n"
@@ -222,7 +228,8 @@ QString CliOptions::CommandHelp(const QString& command) {
              "so on leaving it. Insert closes the editor and sends _.kv_inplc to the\n"
              "command line, which the host shows as \"Command line: _.kv_inplc\\n\".\n"
              "\n"
-             "With --db FILE the editor works on FILE, which must exist.\n"
+             "With --db FILE the editor works on FILE, which must exist, or on the\n"
+             "catalog of a server given as --db URI.\n"
              "\n"
              "Exit status: 0 when the editor ran, 1 when the database or the plug-in\n"
              "cannot be found, 2 without a display or with an unknown argument.\n")},
@@ -280,9 +287,37 @@ QString CliOptions::CommandHelp(const QString& command) {
              "is not in the database.\n")},
         {QStringLiteral("init"),
          QStringLiteral("Usage: plcdb init FILE\n"
+                        "       plcdb init URI\n"
                         "\n"
                         "Creates a new, empty module database: no modules, the nine style rows\n"
-                        "and an empty prompt table. An existing file is left alone.\n")},
+                        "and an empty prompt table. An existing file is left alone. With the\n"
+                        "URI of a database on a PostgreSQL server (postgresql://USER@HOST/NAME,\n"
+                        "or key=value text such as \"host=HOST dbname=NAME\"), the catalog's\n"
+                        "tables are made in that database, which must exist and hold none of\n"
+                        "them yet.\n"
+                        "\n"
+                        "Exit status: 0 when made, 1 when not (the reason is printed), 2 for a\n"
+                        "wrong call.\n")},
+        {QStringLiteral("copy"),
+         QStringLiteral(
+             "Usage: plcdb copy --from SRC --to DST\n"
+             "\n"
+             "Copies the whole catalog of SRC into DST: the index, every module with its\n"
+             "data, box dimensions and terminal rows in their order, the style boxes and\n"
+             "the prompts. SRC and DST are database files or PostgreSQL servers, given\n"
+             "as for --db (a URI or key=value text), in any of the four pairings. SRC is\n"
+             "only read.\n"
+             "\n"
+             "DST may be a file that does not exist yet, which is made; a server database\n"
+             "without a catalog, which gets one; or an empty catalog that plcdb init made.\n"
+             "A DST that holds modules, index rows, prompts or style box values is refused\n"
+             "and left as it is. The copy is one transaction on DST: when it fails, DST\n"
+             "is as it was, and a file or catalog that the copy made is removed again.\n"
+             "A server is named in messages without its password. On success one line\n"
+             "tells what was copied.\n"
+             "\n"
+             "Exit status: 0 when copied, 1 when SRC or DST refuses (the message names\n"
+             "which and why), 2 for a wrong call.\n")},
         {QStringLiteral("list"),
          QStringLiteral("Usage: plcdb [--db FILE] list\n"
                         "\n"

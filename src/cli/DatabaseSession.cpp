@@ -24,11 +24,11 @@ bool DatabaseSession::open(const CliOptions& options, QString* error, bool bWith
     if (!FindFile(options, path, error)) {
         return false;
     }
-    m_name = path;
+    m_name = StoreLocation::Shown(path);
     if (!m_db.Open(CliOptions::FullPath(path))) {
         const QString reason = m_db.GetLastFailure();
         *error = QStringLiteral("cannot open the database %1%2 (code %3)")
-                     .arg(path, reason.isEmpty() ? QString() : QStringLiteral(": ") + reason)
+                     .arg(m_name, reason.isEmpty() ? QString() : QStringLiteral(": ") + reason)
                      .arg(m_db.GetLastError());
         return false;
     }

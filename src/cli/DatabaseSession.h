@@ -20,9 +20,9 @@ public:
     // the host runs also for a given file, for callers whose numbers it formats.
     bool open(const CliOptions& options, QString* error, bool bWithHost = false);
     CKVModuleDB& db() { return m_db; }
-    // The file of --db, else "ZEL_PLC.MDB" as the running host finds it on its search
-    // path, named as the user gave it or as the host found it. False and a reason when
-    // there is none or it does not exist.
+    // The database of --db, else "ZEL_PLC.MDB" as the running host finds it (its
+    // configured database or its search path), named as the user gave it or as the host
+    // found it. False and a reason when there is none or it is a file that does not exist.
     static bool FindFile(const CliOptions& options, QString& path, QString* error);
     bool readOnly() const { return m_db.GetLastError() == CKVModuleDB::kErrReadOnly; }
     // The store's reason for the last failure, naming the file as the user gave it.
@@ -39,5 +39,5 @@ private:
     ZelPlcDbIO m_store;
     HostSession m_host;
     CKVModuleDB m_db;
-    QString m_name;  // the file as given, or as the host found it
+    QString m_name;  // the file as given or as the host found it; a server without password
 };

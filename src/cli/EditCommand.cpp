@@ -3,6 +3,7 @@
 #include "CliFailure.h"
 #include "CliOptions.h"
 #include "HostSession.h"
+#include "StoreLocation.h"
 
 #include <QFileInfo>
 
@@ -28,7 +29,7 @@ int RunEditCommand(const CliOptions& options, HostUi* screen) {
                                    "plcdb export and plcdb import change the database as text"),
                     kUsage);
     }
-    if (!options.database.isEmpty() &&
+    if (!options.database.isEmpty() && !StoreLocation::IsServer(options.database) &&
         !QFileInfo(CliOptions::FullPath(options.database)).isFile()) {
         return Fail(QStringLiteral("the database %1 does not exist").arg(options.database),
                     kStartFailed);

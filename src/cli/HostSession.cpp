@@ -62,7 +62,9 @@ bool HostSession::configure(const CliOptions& options, StandaloneHostConfig& con
         config.linearPrecision = precision;
     }
     config.fileAnswer = CliOptions::FullPath(options.fileAnswer);
-    config.databaseFile = CliOptions::FullPath(options.database);
+    if (!options.database.isEmpty()) {
+        config.databaseFile = CliOptions::FullPath(options.database);
+    }
     return true;
 }
 

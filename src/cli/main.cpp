@@ -3,6 +3,7 @@
 #include "CheckCommand.h"
 #include "CliFailure.h"
 #include "CliOptions.h"
+#include "CopyCommand.h"
 #include "DataCommands.h"
 #include "EditCommand.h"
 #include "GuiHostUi.h"
@@ -102,6 +103,9 @@ int main(int argc, char** argv) {
     }
     if (options.command == QStringLiteral("import")) {
         return RunImportCommand(options);
+    }
+    if (options.command == QStringLiteral("copy")) {
+        return RunCopyCommand(options);
     }
     if (options.command == QStringLiteral("search")) {
         return RunSearchCommand(options);

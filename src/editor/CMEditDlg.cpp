@@ -18,6 +18,7 @@
 #include "MigrationQuestion.h"
 #include "ModalRunner.h"
 #include "ResourceLibrary.h"
+#include "StoreLocation.h"
 #include "ZelDbMigrate.h"
 
 #include <QHBoxLayout>
@@ -149,7 +150,8 @@ bool CMEditDlg::OnInitDialog() {
     m_tree->SetEditMode(true);
     const int filled = m_tree->FillTree();
     if (filled == CModuleTree::kCannotOpen) {
-        Messages::Show(5003, {m_strDbPath}, MsgButtons::Ok, MsgIcon::Error, kCaption);
+        Messages::Show(5003, {StoreLocation::Shown(m_strDbPath)}, MsgButtons::Ok, MsgIcon::Error,
+                       kCaption);
     }
     if (filled != CModuleTree::kFilled) {
         return false;

@@ -10,6 +10,7 @@
 #include "Messages.h"
 #include "ResourceLibrary.h"
 #include "SelectionList.h"
+#include "StoreLocation.h"
 #include "ZelStdioFileEx.h"
 
 #include <QButtonGroup>
@@ -254,7 +255,8 @@ bool CMSelDlg::OnInitDialog() {
     m_tree->SetDatabasePath(m_strDbPath);
     const int filled = m_tree->FillTree();
     if (filled == CModuleTree::kCannotOpen) {
-        Messages::Show(5003, {defaultPath}, MsgButtons::Ok, MsgIcon::Error, 5000);
+        Messages::Show(5003, {StoreLocation::Shown(defaultPath)}, MsgButtons::Ok, MsgIcon::Error,
+                       5000);
     }
     if (filled != CModuleTree::kFilled) {
         return false;

@@ -1,5 +1,7 @@
 #include "CPathLabel.h"
 
+#include "StoreLocation.h"
+
 #include <QDir>
 
 namespace {
@@ -13,7 +15,9 @@ CPathLabel::CPathLabel(QWidget* parent) : QLabel(parent) {
 }
 
 void CPathLabel::SetPath(const QString& path) {
-    m_strPath = QDir::toNativeSeparators(path);
+    // A server is named by its connection text, without its password.
+    m_strPath =
+        StoreLocation::IsServer(path) ? StoreLocation::Shown(path) : QDir::toNativeSeparators(path);
     setToolTip(m_strPath);
     ShowFitted();
 }

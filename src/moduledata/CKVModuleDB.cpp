@@ -1,6 +1,7 @@
 #include "CKVModuleDB.h"
 
 #include "CrtNumbers.h"
+#include "StoreLocation.h"
 #include "ZelPlcDbIO.h"
 #include "ZelUtils.h"
 
@@ -21,6 +22,16 @@ constexpr int kBoxesPerGroup = 6;
 
 int LastSeparator(const QString& path) {
     return qMax(path.lastIndexOf(u'/'), path.lastIndexOf(u'\\'));
+}
+
+// The Data Source of the connection text: a file path with the system's separators, or a
+// server's connection text as it stands, in double quotes when it holds a ";" that would
+// end the value.
+QString DataSource(const QString& path) {
+    if (!StoreLocation::IsServer(path)) {
+        return NativePath(path);
+    }
+    return path.contains(u';') && !path.contains(u'"') ? u'"' + path + u'"' : path;
 }
 
 // The box value fields stand in the record as BoxA1 .. BoxA6, BoxB1 .. BoxB6.
@@ -155,13 +166,15 @@ bool CKVModuleDB::Open(const QString& path, bool bReadOnly) {
         return false;
     }
     m_strPath = path;
+    const bool server = StoreLocation::IsServer(path);
     const int cut = LastSeparator(path);
-    if (cut < 0 || cut == path.size() - 1) {
+    if (!server && (cut < 0 || cut == path.size() - 1)) {
         m_nError = kErrBadPath;
         return false;
     }
-    m_strFileName = path.mid(cut + 1);
-    m_strDirectory = NativePath(path.left(cut + 1));
+    // A server's connection text has no folder and no file name.
+    m_strFileName = server ? QString() : path.mid(cut + 1);
+    m_strDirectory = server ? QString() : NativePath(path.left(cut + 1));
 
     ZelPlcDbIO* store = ZelPlcDbIO::Instance();
     if (store == nullptr) {
@@ -169,7 +182,7 @@ bool CKVModuleDB::Open(const QString& path, bool bReadOnly) {
         m_strFailure = QStringLiteral("the program has no store");
         return false;
     }
-    const QString source = NativePath(path);
+    const QString source = DataSource(path);
     const auto connect = [&](const QString& mode) {
         const bool connected = store->PutConnectionString(kConnectionFormat.arg(source, mode));
         m_strFailure = connected ? m_strFailure : store->m_strLastError;

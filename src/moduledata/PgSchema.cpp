@@ -110,6 +110,29 @@ bool ReadVersion(PgDb& db, int& version, QString& error) {
     return true;
 }
 
+// Why the store's tables were not dropped; empty when they were.
+QString DropEmptyTables(PgDb& db, const QString& connection) {
+    if (!db.open(connection)) {
+        return db.failureText();
+    }
+    StoreTransaction transaction(db);
+    StoreStatement rows =
+        db.query(QStringLiteral("SELECT (SELECT count(*) FROM plc_index) + (SELECT count(*) FROM "
+                                "plc_spec) + (SELECT count(*) FROM plc_prompt)"));
+    if (!transaction.isActive() || !rows.next()) {
+        return db.failureText();
+    }
+    if (rows.toInt64(0) != 0) {
+        return QStringLiteral("%1 holds a catalog").arg(db.location());
+    }
+    if (!db.exec(QStringLiteral(
+            "DROP TABLE plc_meta, plc_index, plc_spec, plc_term, plc_style, plc_prompt")) ||
+        !transaction.commit()) {
+        return db.failureText();
+    }
+    return {};
+}
+
 }  // namespace
 
 bool CreateIn(const QString& connection, QString* error) {
@@ -127,6 +150,15 @@ bool CreateIn(const QString& connection, QString* error) {
             reason = db.failureText();
         }
     }
+    if (error) {
+        *error = reason;
+    }
+    return reason.isEmpty();
+}
+
+bool RemoveEmpty(const QString& connection, QString* error) {
+    PgDb db;
+    const QString reason = DropEmptyTables(db, connection);
     if (error) {
         *error = reason;
     }

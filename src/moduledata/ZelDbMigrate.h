@@ -3,7 +3,8 @@
 #include <QString>
 
 // Upgrade of older database files. The schema version lives in the file; version 1
-// lacks the module fields SpecTail and DirFlags.
+// lacks the module fields SpecTail and DirFlags. A catalog on a server is made at the
+// current version: it never needs an upgrade and none is carried out.
 using MigrationHelpCallback = void (*)();
 
 // Sets bRequired to whether the file at path is older than this program. A file that

@@ -8,6 +8,7 @@
 #include "StoreSchema.h"
 #include "ZelUtils.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -116,6 +117,22 @@ bool ZelPlcDbIO::CreateDatabase(const QString& path, QString* error) {
         return PgSchema::CreateIn(path, error);
     }
     return StoreSchema::CreateFile(path, kSchemaVersion, error);
+}
+
+bool ZelPlcDbIO::RemoveNewDatabase(const QString& path, QString* error) {
+    if (StoreLocation::IsServer(path)) {
+        return PgSchema::RemoveEmpty(path, error);
+    }
+    for (const char* side : {"-wal", "-shm", "-journal"}) {
+        QFile::remove(path + QLatin1String(side));
+    }
+    if (QFile::exists(path) && !QFile::remove(path)) {
+        if (error) {
+            *error = QStringLiteral("cannot remove %1").arg(path);
+        }
+        return false;
+    }
+    return true;
 }
 
 bool ZelPlcDbIO::PutConnectionString(const QString& connection) {

@@ -38,6 +38,10 @@ public:
     // Makes a new, empty database file: the nine style rows and an empty prompt table.
     // Fails when the file exists.
     static bool CreateDatabase(const QString& path, QString* error = nullptr);
+    // Undoes CreateDatabase after a first fill failed, once every connection to it is
+    // closed: removes the file (with SQLite's side files), or the server's tables while
+    // they hold no module, index row or prompt.
+    static bool RemoveNewDatabase(const QString& path, QString* error = nullptr);
 
     // Connection: "...;Data Source=PATH;Mode=MODE;..." with the modes "Share Deny None"
     // (read and write), "Read" and "Read|Share Deny Read|Share Deny Write" (read only,

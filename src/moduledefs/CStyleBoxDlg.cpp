@@ -5,6 +5,7 @@
 #include "HostBridge.h"
 #include "HostServices.h"
 #include "Messages.h"
+#include "StoreLocation.h"
 #include "StylePicture.h"
 
 #include <QButtonGroup>
@@ -118,7 +119,8 @@ bool CStyleBoxDlg::OnInitDialog() {
     }
     // Without the rows there is nothing to show or to write back.
     if (!m_table.Load(m_strDbPath)) {
-        Messages::Show(kMsgCannotOpen, {m_strDbPath + u'\n' + m_table.LastFailure()},
+        Messages::Show(kMsgCannotOpen,
+                       {StoreLocation::Shown(m_strDbPath) + u'\n' + m_table.LastFailure()},
                        MsgButtons::Ok, MsgIcon::Error, kCaption);
         return false;
     }
@@ -210,7 +212,8 @@ void CStyleBoxDlg::accept() {
         return;
     }
     if (!m_table.Save(m_strDbPath)) {
-        Messages::Show(kMsgCannotOpen, {m_strDbPath + u'\n' + m_table.LastFailure()},
+        Messages::Show(kMsgCannotOpen,
+                       {StoreLocation::Shown(m_strDbPath) + u'\n' + m_table.LastFailure()},
                        MsgButtons::Ok, MsgIcon::Error, kCaption);
         return;
     }

@@ -1,6 +1,7 @@
 #include "StandaloneHost.h"
 
 #include "HostBridge.h"
+#include "StoreLocation.h"
 #include "ZelUtils.h"
 
 #include <QDir>
@@ -70,6 +71,10 @@ QString StandaloneHost::searchSupportPath(const QString& name) const {
         QFileInfo(NativePath(name))
                 .fileName()
                 .compare(QString::fromLatin1(kDatabaseFileName), Qt::CaseInsensitive) == 0) {
+        // A server is no file: its connection text is the answer as it stands.
+        if (StoreLocation::IsServer(m_config.databaseFile)) {
+            return m_config.databaseFile;
+        }
         // A given database that is missing is not replaced by another one on the path.
         const QFileInfo given(m_config.databaseFile);
         return given.isFile() ? QDir::toNativeSeparators(given.absoluteFilePath()) : QString();

@@ -69,7 +69,8 @@ private:
     void defineFamilyFunctions();
     int evaluate(const HostValue& args, HostValue* result);
     QString searchFolders(const QString& name, const QStringList& folders) const;
-    // A support file: the database file the host was given, else the support path.
+    // A support file: the database the host was given (a file, or a server's connection
+    // text), else the support path.
     QString searchSupportPath(const QString& name) const;
     void report(const QString& text) const;
 

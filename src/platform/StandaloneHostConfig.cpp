@@ -1,5 +1,6 @@
 #include "StandaloneHostConfig.h"
 
+#include "StoreLocation.h"
 #include "ZelUtils.h"
 
 #include <QFile>
@@ -38,6 +39,12 @@ QMap<QString, QString> ReadIni(QFile& file) {
     return values;
 }
 
+// A database as written in the settings: a server's connection text is taken as it
+// stands, a file path gets the system's separators.
+QString DatabaseLocation(const QString& text) {
+    return StoreLocation::IsServer(text) ? text : NativePath(text);
+}
+
 }  // namespace
 
 bool StandaloneHostConfig::load(const QString& file, QString* error) {
@@ -69,6 +76,9 @@ bool StandaloneHostConfig::load(const QString& file, QString* error) {
     if (values.contains(QStringLiteral("host/program_dir"))) {
         programDir = NativePath(values.value(QStringLiteral("host/program_dir")));
     }
+    if (values.contains(QStringLiteral("host/database"))) {
+        databaseFile = DatabaseLocation(values.value(QStringLiteral("host/database")));
+    }
     bool ok = false;
     const int precision = values.value(QStringLiteral("host/linear_precision")).toInt(&ok);
     if (ok && precision >= 0 && precision <= 8) {
@@ -89,6 +99,9 @@ void StandaloneHostConfig::applyEnvironment() {
     }
     if (qEnvironmentVariableIsSet("PLCDB_PROGRAM_DIR")) {
         programDir = NativePath(qEnvironmentVariable("PLCDB_PROGRAM_DIR"));
+    }
+    if (qEnvironmentVariableIsSet("PLCDB_DB")) {
+        databaseFile = DatabaseLocation(qEnvironmentVariable("PLCDB_DB"));
     }
     bool ok = false;
     const int precision = qEnvironmentVariableIntValue("PLCDB_PRECISION", &ok);
