@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 
 #include <array>
@@ -74,6 +75,12 @@ struct ModuleMatch {
     QString TableName;
     QString Catalog;
     QString Description;
+};
+
+// Who holds the edit lock of a module: "anna on ws-17", and since when (UTC).
+struct ModuleLock {
+    QString holder;
+    QDateTime since;
 };
 
 }  // namespace ModDB
