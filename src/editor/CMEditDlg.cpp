@@ -24,7 +24,6 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLocale>
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -399,8 +398,7 @@ void CMEditDlg::LockLoadedModule(const QString& table, const QString& catalog) {
                            MsgIcon::Information, kCaption);
         }
     } else if (!granted) {
-        const QString since = QLocale().toString(holder.since.toLocalTime(), QLocale::ShortFormat);
-        Messages::Show(kMsgLockedByOther, {holder.holder, since}, MsgButtons::Ok,
+        Messages::Show(kMsgLockedByOther, {holder.holder, holder.LocalSince()}, MsgButtons::Ok,
                        MsgIcon::Information, kCaption);
     } else {
         m_strLockedTable = table;

@@ -81,6 +81,9 @@ struct ModuleMatch {
 struct ModuleLock {
     QString holder;
     QDateTime since;
+
+    // since in local time, as the user's locale writes a short date and time.
+    QString LocalSince() const;
 };
 
 }  // namespace ModDB

@@ -19,7 +19,7 @@ namespace {
 
 // A row from another machine is taken over once it is this old: there is no telling
 // whether its process still runs, and an editing session does not last this long.
-constexpr qint64 kForeignRowLifeSecs = 12 * 60 * 60;
+constexpr qint64 kForeignRowLifeSecs = qint64(12) * 60 * 60;
 
 QString Key(const QString& code) {
     return code.toCaseFolded();

@@ -109,6 +109,8 @@ constexpr Entry kTable[] = {
            u"changes to it cannot be saved."},
     {4038, u"Modules cannot be locked for editing:\n%1\nThey open read-only: changes to "
            u"them cannot be saved."},
+    {4039, u"%1 has had this module open for editing since %2: it cannot be renamed or "
+           u"deleted now."},
 
     // Database access: title and failures.
     {5000, u"PLC Database"},

@@ -431,6 +431,12 @@ TEST_F(CMEditDlgTest, AModuleThatAnotherHoldsOpensReadOnlyWithTheHolderNamedUnti
     EXPECT_EQ(QApplication::focusWidget(), &grid);
     EXPECT_FALSE(m_dialog->OnSave());
     EXPECT_EQ(storedRows(QStringLiteral("NV-1108")), before);
+    // Nor can it be deleted.
+    m_messages.answers = {kIdYes};
+    tree().SetContextItem(item(kInputs, QStringLiteral("NV-1108")));
+    tree().OnDelete();
+    EXPECT_EQ(questionsAsked(4039), 1);
+    EXPECT_EQ(storedRows(QStringLiteral("NV-1108")), before);
 
     ASSERT_TRUE(other.UnlockModule(table, QStringLiteral("NV-1108")));
     click(item(kInputs));
