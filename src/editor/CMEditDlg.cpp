@@ -1,5 +1,6 @@
 #include "CMEditDlg.h"
 
+#include "AttribGridModel.h"
 #include "BlockSettingsFolder.h"
 #include "CAttribGridWnd.h"
 #include "CModEditSpecsDlg.h"
@@ -31,6 +32,8 @@
 namespace {
 
 constexpr int kCaption = 5000;
+constexpr int kMsgLockedByOther = 4037;
+constexpr int kMsgCannotLock = 4038;
 
 }  // namespace
 
@@ -39,6 +42,7 @@ CMEditDlg::CMEditDlg(QWidget* parent) : QDialog(parent) {
 }
 
 CMEditDlg::~CMEditDlg() {
+    UnlockModule();
     if (m_db.IsOpen()) {
         m_db.Close();
     }
@@ -193,6 +197,7 @@ void CMEditDlg::OnDone() {
         return;
     }
     m_tree->SaveMru();
+    UnlockModule();
     QDialog::accept();
 }
 
@@ -207,10 +212,13 @@ bool CMEditDlg::IsAnythingUnsaved() const {
 }
 
 void CMEditDlg::UpdateSaveButton() {
-    m_btnSave->setEnabled(IsAnythingUnsaved());
+    m_btnSave->setEnabled(!m_bModuleReadOnly && IsAnythingUnsaved());
 }
 
 void CMEditDlg::MarkSpecChanged() {
+    if (m_bModuleReadOnly) {
+        return;
+    }
     m_bSpecDirty = true;
     UpdateSaveButton();
 }
@@ -247,6 +255,9 @@ bool CMEditDlg::PromptToSave(bool bCanCancel) {
 }
 
 bool CMEditDlg::OnSave() {
+    if (m_bModuleReadOnly) {
+        return false;
+    }
     // The attribute grid stores what it shows before the module is written.
     const int row = m_termGrid->CurrentRow();
     const int blockIndex =
@@ -278,11 +289,13 @@ bool CMEditDlg::OnSelChanging(QTreeWidgetItem* item) {
 }
 
 void CMEditDlg::OnSelChanged(QTreeWidgetItem* item) {
+    SetModuleReadOnly(false);
     if (CModuleTree::ItemData(item) == 0) {
         // A new item that has no name yet.
         m_bModuleLoaded = false;
     } else {
         if (m_nHandle != -1) {
+            UnlockModule();
             m_db.ReleaseModule(m_nHandle);
             m_nHandle = -1;
         }
@@ -292,6 +305,9 @@ void CMEditDlg::OnSelChanged(QTreeWidgetItem* item) {
             // At type level the text is the type's name, and nothing is found.
             m_nHandle = m_db.LoadModule(table, text, false);
             m_bModuleLoaded = m_nHandle != -1;
+        }
+        if (m_bModuleLoaded) {
+            LockLoadedModule(table, text);
         }
     }
     m_termGrid->LoadModule(m_bModuleLoaded ? m_nHandle : -1);
@@ -342,7 +358,12 @@ void CMEditDlg::OnEditSpecs() {
     }
     QString manufacturer, series, type;
     if (m_tree->GetItemPath(manufacturer, series, type)) {
-        CModEditSpecsDlg dialog(module, this);
+        // A read-only module is shown through a copy, which takes what OK writes.
+        CKVModule shown;
+        if (m_bModuleReadOnly) {
+            shown = *module;
+        }
+        CModEditSpecsDlg dialog(m_bModuleReadOnly ? &shown : module, this);
         dialog.SetDbPath(m_strDbPath);
         dialog.SetManufacturer(manufacturer);
         dialog.SetSeries(series);
@@ -361,7 +382,45 @@ void CMEditDlg::OnCatalogRenamed() {
     }
     if (CKVModule* module = GetCurrentModule()) {
         module->SetCatalog(text);
+        // The lock goes with the module to its new code.
+        if (!m_strLockedCatalog.isEmpty()) {
+            UnlockModule();
+            LockLoadedModule(table, text);
+        }
     }
+}
+
+void CMEditDlg::LockLoadedModule(const QString& table, const QString& catalog) {
+    bool granted = false;
+    ModDB::ModuleLock holder;
+    if (!m_db.LockModule(table, catalog, granted, holder)) {
+        if (!m_bLockFailureTold) {
+            m_bLockFailureTold = true;
+            Messages::Show(kMsgCannotLock, {m_db.GetLastFailure()}, MsgButtons::Ok,
+                           MsgIcon::Information, kCaption);
+        }
+    } else if (!granted) {
+        Messages::Show(kMsgLockedByOther, {holder.holder, holder.LocalSince()}, MsgButtons::Ok,
+                       MsgIcon::Information, kCaption);
+    } else {
+        m_strLockedTable = table;
+        m_strLockedCatalog = catalog;
+    }
+    SetModuleReadOnly(!granted);
+}
+
+void CMEditDlg::UnlockModule() {
+    if (!m_strLockedCatalog.isEmpty()) {
+        m_db.UnlockModule(m_strLockedTable, m_strLockedCatalog);
+    }
+    m_strLockedTable.clear();
+    m_strLockedCatalog.clear();
+}
+
+void CMEditDlg::SetModuleReadOnly(bool readOnly) {
+    m_bModuleReadOnly = readOnly;
+    m_termGrid->Model()->SetAllReadOnly(readOnly);
+    m_attribGrid->Model()->SetAllReadOnly(readOnly);
 }
 
 void CMEditDlg::OnSelectionDeleting() {

@@ -82,6 +82,9 @@ public:
     bool IsModuleLoaded() const { return m_bModuleLoaded; }
     bool IsRowsDirty() const { return m_bRowsDirty; }
     bool IsSpecDirty() const { return m_bSpecDirty; }
+    // The open module is another program's, or no lock could be had: it is shown, not
+    // changed, and never saved.
+    bool IsModuleReadOnly() const { return m_bModuleReadOnly; }
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -100,6 +103,11 @@ private:
     void ClearFlags();
     void ClearGridFlags();
     void ShowHelp();
+    // Takes the edit lock of the module just loaded; when another program holds it or no
+    // lock can be had, says so and shows the module read-only.
+    void LockLoadedModule(const QString& table, const QString& catalog);
+    void UnlockModule();
+    void SetModuleReadOnly(bool readOnly);
 
     CModuleTree* m_tree;
     CModuleSearch* m_search;
@@ -126,5 +134,11 @@ private:
     bool m_bRowsDirty = false;
     bool m_bSpecDirty = false;
     QTreeWidgetItem* m_hNewItem = nullptr;
+    // The module whose lock the dialog holds; empty when none.
+    QString m_strLockedTable;
+    QString m_strLockedCatalog;
+    bool m_bModuleReadOnly = false;
+    // A failure to lock is told once; a module of another is told each time it opens.
+    bool m_bLockFailureTold = false;
     bool m_bInited = false;
 };

@@ -31,6 +31,7 @@ enum Level {
 constexpr int kDataRole = Qt::UserRole;
 constexpr int kShortNameLimit = 24;  // manufacturer and series
 constexpr int kTypeNameLimit = 60;
+constexpr int kMsgModuleHeld = 4039;
 const char* const kMruKey = "Settings\\MRUPLC";
 
 // Edits a label with the length limit of its level, and leaves writing the new
@@ -480,11 +481,18 @@ void CModuleTree::RenameOrAdd(QTreeWidgetItem* item, const QString& newText) {
                 Messages::Show(10116);
                 return;
             }
+            bool lock = false;
             if (m_db.ModuleExists(table, newText)) {
                 Messages::Show(10115, {old});
                 return;
             }
+            if (!MayChangeModule(table, old, lock)) {
+                return;
+            }
             m_db.RenameModule(table, old, newText);
+            if (lock) {
+                m_db.UnlockModule(table, old);
+            }
             item->setText(0, newText);
             emit catalogRenamed();
             return;
@@ -595,6 +603,16 @@ bool CModuleTree::SelectionLiesIn(QTreeWidgetItem* item) const {
     }
 }
 
+bool CModuleTree::MayChangeModule(const QString& table, const QString& catalog, bool& lock) {
+    ModDB::ModuleLock holder;
+    // A store that takes no locks leaves the change to refuse itself.
+    if (m_db.LockModule(table, catalog, lock, holder) && !lock) {
+        Messages::Show(kMsgModuleHeld, {holder.holder, holder.LocalSince()});
+        return false;
+    }
+    return true;
+}
+
 void CModuleTree::OnDelete() {
     QTreeWidgetItem* item = m_hContextItem;
     const int level = Level(item);
@@ -619,7 +637,10 @@ void CModuleTree::OnDelete() {
             answer = Messages::Show(10121, {name}, MsgButtons::YesNoCancel);
             break;
     }
-    if (answer != kIdYes) {
+    QString table;
+    bool lock = false;
+    if (answer != kIdYes || (level == kLevelCatalog && GetTableOfItem(table, item) &&
+                             !MayChangeModule(table, name, lock))) {
         return;
     }
     if (SelectionLiesIn(item)) {
@@ -637,6 +658,9 @@ void CModuleTree::OnDelete() {
             break;
         default:
             m_db.RemoveEntry(manufacturer, series, type, name);
+            if (lock) {
+                m_db.UnlockModule(table, name);
+            }
             break;
     }
     if (m_hContextItem == item) {

@@ -120,6 +120,9 @@ private:
     void RenameOrAdd(QTreeWidgetItem* item, const QString& newText);
     void RemoveLater(QTreeWidgetItem* item);
     bool SelectionLiesIn(QTreeWidgetItem* item) const;
+    // Whether a module may be renamed or deleted: not while another program holds its
+    // edit lock, which is then named. lock is whether this program took it for the change.
+    bool MayChangeModule(const QString& table, const QString& catalog, bool& lock);
 
     QString m_strDbPath;
     QTreeWidgetItem* m_hContextItem = nullptr;

@@ -214,6 +214,18 @@ bool CKVModuleDB::Close() {
     return true;
 }
 
+bool CKVModuleDB::LockModule(const QString& table, const QString& catalog, bool& granted,
+                             ModDB::ModuleLock& holder) {
+    granted = false;
+    ZelPlcDbIO* store = Store();
+    return store != nullptr && store->LockModule(table, catalog, granted, holder);
+}
+
+bool CKVModuleDB::UnlockModule(const QString& table, const QString& catalog) {
+    ZelPlcDbIO* store = Store();
+    return store != nullptr && store->UnlockModule(table, catalog);
+}
+
 int CKVModuleDB::AddHandle(int index, const QString& table) {
     try {
         m_listHandles.append({m_nLastHandle + 1, index, table});

@@ -82,6 +82,12 @@ public:
     bool RemoveEntry(const QString& manufacturer, const QString& series, const QString& type,
                      const QString& catalog);
 
+    // The edit lock of a module, as ZelPlcDbIO::LockModule gives it: granted when this
+    // program holds it, else holder names who does and since when.
+    bool LockModule(const QString& table, const QString& catalog, bool& granted,
+                    ModDB::ModuleLock& holder);
+    bool UnlockModule(const QString& table, const QString& catalog);
+
     // Index, type tables, style boxes, prompts.
     bool GetHierarchy(QList<_manfams>& hierarchy);
     bool GetTypeTableName(const QString& manufacturer, const QString& series, const QString& type,

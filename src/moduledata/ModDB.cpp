@@ -1,5 +1,7 @@
 #include "ModDB.h"
 
+#include <QLocale>
+
 namespace ModDB {
 namespace {
 
@@ -33,6 +35,10 @@ const char* StyleBoxData::BoxName(int index) {
                                                  "BoxA5", "BoxA6", "BoxB1", "BoxB2",
                                                  "BoxB3", "BoxB4", "BoxB5", "BoxB6"};
     return (index >= 0 && index < kBoxCount) ? names[index] : "";
+}
+
+QString ModuleLock::LocalSince() const {
+    return QLocale().toString(since.toLocalTime(), QLocale::ShortFormat);
 }
 
 }  // namespace ModDB

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 
 #include <array>
@@ -74,6 +75,15 @@ struct ModuleMatch {
     QString TableName;
     QString Catalog;
     QString Description;
+};
+
+// Who holds the edit lock of a module: "anna on ws-17", and since when (UTC).
+struct ModuleLock {
+    QString holder;
+    QDateTime since;
+
+    // since in local time, as the user's locale writes a short date and time.
+    QString LocalSince() const;
 };
 
 }  // namespace ModDB

@@ -102,7 +102,9 @@ StoreSchema::Access AccessOf(const ConnectionTarget& target) {
 
 ZelPlcDbIO::ZelPlcDbIO() = default;
 
-ZelPlcDbIO::~ZelPlcDbIO() = default;
+ZelPlcDbIO::~ZelPlcDbIO() {
+    ReleaseLocks();
+}
 
 ZelPlcDbIO* ZelPlcDbIO::Instance() {
     return g_store;
@@ -190,6 +192,7 @@ void ZelPlcDbIO::ReleaseFile(const QString& path) {
 }
 
 void ZelPlcDbIO::CloseConnection() {
+    ReleaseLocks();
     m_db.reset();
     m_file = nullptr;
     m_location.clear();

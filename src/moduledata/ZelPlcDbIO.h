@@ -4,6 +4,7 @@
 
 #include <QHash>
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -118,6 +119,16 @@ public:
     // The text of the last failure, in the user's words ("not a plcdb database", ...).
     QString m_strLastError;
 
+    // Edit locks: one connection at a time holds the lock of a module, by table and code
+    // (case ignored). A lock goes with this connection: UnlockModule, the connection's
+    // close and the program's end free it. granted tells whether this connection holds it
+    // now; when another does, holder names who and since when. False, with the reason,
+    // when no lock can be had: a store open for reading only, a file of an older version,
+    // another program's write that outlasted the wait.
+    bool LockModule(const QString& table, const QString& code, bool& granted,
+                    ModDB::ModuleLock& holder);
+    bool UnlockModule(const QString& table, const QString& code);
+
 private:
     struct IndexLevel;
 
@@ -140,6 +151,16 @@ private:
                      QList<ModDB::ModuleMatch>& matches);
     bool CollectMatches(StoreStatement& statement, const QString& fragment, int limit,
                         QList<ModDB::ModuleMatch>& matches);
+    bool MakeLockTable(StoreDb& db);
+    bool WriteLockRow(StoreDb& db, const QString& table, const QString& key);
+    bool ReadLockRow(StoreDb& db, const QString& table, const QString& key, bool& found,
+                     ModDB::ModuleLock& holder, QString& machine, qint64& process, QString& owner);
+    bool LockInFile(StoreDb& db, const QString& table, const QString& key, bool& granted,
+                    ModDB::ModuleLock& holder);
+    bool LockOnServer(StoreDb& db, const QString& table, const QString& key, bool& granted,
+                      ModDB::ModuleLock& holder);
+    // Frees every lock of this connection before it closes.
+    void ReleaseLocks();
 
     std::unique_ptr<StoreDb> m_db;
     // The same connection when the store is a file, for what only a file has.
@@ -154,4 +175,7 @@ private:
     bool m_lockFailure = false;
     QHash<QString, QString> m_prompts;
     bool m_promptsLoaded = false;
+    // The mark of this object's lock rows, and the modules it holds ("table/key").
+    QString m_lockOwner;
+    QSet<QString> m_locks;
 };

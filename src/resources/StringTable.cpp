@@ -104,6 +104,14 @@ constexpr Entry kTable[] = {
     {4035, u"Type"},
     {4036, u"No module matches."},
 
+    // Editor: the module is another's, or no edit lock could be had; it opens read-only.
+    {4037, u"%1 has had this module open for editing since %2.\nIt opens read-only here: "
+           u"changes to it cannot be saved."},
+    {4038, u"Modules cannot be locked for editing:\n%1\nThey open read-only: changes to "
+           u"them cannot be saved."},
+    {4039, u"%1 has had this module open for editing since %2: it cannot be renamed or "
+           u"deleted now."},
+
     // Database access: title and failures.
     {5000, u"PLC Database"},
     {5003, u"The PLC database cannot be opened:\n%1"},

@@ -52,6 +52,10 @@ bool CTermGridWnd::HasModule() const {
     return m_nModuleHandle != -1 && CurrentModule();
 }
 
+bool CTermGridWnd::CanChangeRows() const {
+    return HasModule() && !m_model->IsAllReadOnly();
+}
+
 void CTermGridWnd::Initialize() {
     SetMinimumTrackSize(kMinimumTrack, kMinimumTrack);
     TermColumns texts;
@@ -212,7 +216,9 @@ void CTermGridWnd::contextMenuEvent(QContextMenuEvent* event) {
     m_nContextCol = index.isValid() ? index.column() + 1 : -1;
     QMenu menu(this);
     for (const int command : {kCmdEditCells, kCmdInsertBefore, kCmdInsertAfter, kCmdDeleteRows}) {
-        menu.addAction(LoadResString(command))->setData(command);
+        QAction* action = menu.addAction(LoadResString(command));
+        action->setData(command);
+        action->setEnabled(CanChangeRows());
     }
     if (QAction* chosen = menu.exec(global)) {
         OnCommand(chosen->data().toInt());
@@ -220,6 +226,9 @@ void CTermGridWnd::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 void CTermGridWnd::OnCommand(int command) {
+    if (!CanChangeRows()) {
+        return;
+    }
     switch (command) {
         case kCmdInsertBefore:
             OnInsertBefore();
@@ -247,7 +256,7 @@ void CTermGridWnd::OnInsertAfter() {
 }
 
 void CTermGridWnd::InsertRow(bool bBefore) {
-    CKVModule* module = HasModule() ? CurrentModule() : nullptr;
+    CKVModule* module = CanChangeRows() ? CurrentModule() : nullptr;
     const int current = CurrentRow();
     const int col = CurrentCol();
     if (!module || current < 1) {
@@ -294,7 +303,7 @@ void CTermGridWnd::InsertRow(bool bBefore) {
 }
 
 void CTermGridWnd::OnDeleteRows() {
-    if (!HasModule()) {
+    if (!CanChangeRows()) {
         return;
     }
     const int count = m_model->RowCount();

@@ -85,6 +85,8 @@ protected:
 
 private:
     bool HasModule() const;
+    // Whether rows may be inserted, deleted and filled: a module is shown, not read-only.
+    bool CanChangeRows() const;
     bool OnValidateCell(int col, const QString& text) const;
     // The write-through of one cell, recorded as an undo step when it changed the row.
     bool WriteCell(int row, int col, const QString& value, bool bNotify);

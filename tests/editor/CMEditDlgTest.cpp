@@ -15,6 +15,7 @@
 #include <QJsonObject>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QSysInfo>
 
 #include <algorithm>
 #include <utility>
@@ -401,4 +402,47 @@ TEST_F(CMEditDlgTest, ReturnInTheSearchLoadsTheMatchAsAClickDoesAndEscapeOnlyCle
     EXPECT_EQ(field.text(), QString());
     EXPECT_EQ(storedDescription(QStringLiteral("NV-1116")),
               QStringLiteral("16 point 24V DC sink input"));
+}
+
+TEST_F(CMEditDlgTest, AModuleThatAnotherHoldsOpensReadOnlyWithTheHolderNamedUntilItIsLetGo) {
+    // The editor lets go of the module that it opened last time.
+    click(item(kInputs));
+    ZelPlcDbIO other;
+    QString table;
+    ASSERT_TRUE(
+        other.PutConnectionString("Data Source=" + databasePath() + ";Mode=Share Deny None"));
+    ASSERT_TRUE(other.GetTypeTableName(kNorvale, kSeries, kInputs, table));
+    bool granted = false;
+    ModDB::ModuleLock holder;
+    const QByteArray user = qgetenv("USER");
+    qputenv("USER", "anna");
+    ASSERT_TRUE(other.LockModule(table, QStringLiteral("nv-1108"), granted, holder) && granted);
+    qputenv("USER", user);
+    const QStringList before = storedRows(QStringLiteral("NV-1108"));
+
+    click(item(kInputs, QStringLiteral("NV-1108")));
+    ASSERT_EQ(questionsAsked(4037), 1);
+    EXPECT_TRUE(m_messages.shown.back().text.startsWith("anna on " + QSysInfo::machineHostName() +
+                                                        " has had this module open"));
+    // No cell editor opens, and a save writes nothing.
+    CTermGridWnd& grid = m_dialog->TermGrid();
+    ClickCell(grid, 4, CTermGridWnd::ColumnSpacing);
+    QTest::keyClick(&grid, Qt::Key_F2);
+    EXPECT_EQ(QApplication::focusWidget(), &grid);
+    EXPECT_FALSE(m_dialog->OnSave());
+    EXPECT_EQ(storedRows(QStringLiteral("NV-1108")), before);
+    // Nor can it be deleted.
+    m_messages.answers = {kIdYes};
+    tree().SetContextItem(item(kInputs, QStringLiteral("NV-1108")));
+    tree().OnDelete();
+    EXPECT_EQ(questionsAsked(4039), 1);
+    EXPECT_EQ(storedRows(QStringLiteral("NV-1108")), before);
+
+    ASSERT_TRUE(other.UnlockModule(table, QStringLiteral("NV-1108")));
+    click(item(kInputs));
+    click(item(kInputs, QStringLiteral("NV-1108")));
+    EXPECT_FALSE(m_dialog->IsModuleReadOnly());
+    // The editor holds it now.
+    ASSERT_TRUE(other.LockModule(table, QStringLiteral("NV-1108"), granted, holder));
+    EXPECT_FALSE(granted);
 }

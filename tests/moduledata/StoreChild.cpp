@@ -16,9 +16,10 @@
 //       holds the database open as the module tree does, all its life, and works through
 //       the commands of its input, one a line, answering each with "ok" or "failed ...":
 //       "save CODE" (a new module CODE of ACME / S1 / T1), "rename OLD NEW", and "check"
-//       (the migration check that the tree runs when a type opens). It ends with its input. Before
-//       the first write it prints "ready" and waits for a line on its input, so that two writers
-//       start together.
+//       (the migration check that the tree runs when a type opens), "lock TABLE CODE" (answers
+//       "ok" or "held by HOLDER since TIME") and "unlock TABLE CODE". It ends with its input.
+//       Before the first write it prints "ready" and waits for a line on its input, so that two
+//       writers start together.
 
 #include "CKVModuleDB.h"
 #include "CatalogDocument.h"
@@ -177,6 +178,9 @@ bool HoldCommand(CKVModuleDB& db, const QStringList& words) {
     if (words.value(0) == "rename" && words.size() == 3) {
         return db.RenameModule(table, words[1], words[2]);
     }
+    if (words.value(0) == "unlock" && words.size() == 3) {
+        return db.UnlockModule(words[1], words[2]);
+    }
     if (words.value(0) == "check" && words.size() == 1) {
         bool required = true;
         CheckForMigration(db.GetPath(), required, false, table);
@@ -189,7 +193,12 @@ int Hold(CKVModuleDB& db) {
     std::string line;
     while (std::getline(std::cin, line)) {
         const QStringList words = QString::fromStdString(line).split(u' ', Qt::SkipEmptyParts);
-        if (HoldCommand(db, words)) {
+        bool granted = false;
+        ModDB::ModuleLock holder;
+        if (words.value(0) == "lock" && words.size() == 3 &&
+            db.LockModule(words[1], words[2], granted, holder) && !granted) {
+            Say("held by " + holder.holder + " since " + holder.since.toString(Qt::ISODate));
+        } else if (words.value(0) == "lock" ? granted : HoldCommand(db, words)) {
             Say(QStringLiteral("ok"));
         } else {
             Say(QStringLiteral("failed: %1 (code %2)")

@@ -118,7 +118,8 @@ void GridCore::Record(QUndoCommand* command) {
 }
 
 bool GridCore::CanWrite(int row, int col) const {
-    return m_model && !(m_bLockReadOnly && m_model->IsReadOnly(row, col));
+    return m_model && !m_model->IsAllReadOnly() &&
+           !(m_bLockReadOnly && m_model->IsReadOnly(row, col));
 }
 
 int GridCore::CurrentRow() const {

@@ -39,7 +39,8 @@ public:
     // nothing. Dropped when undo is off.
     void Record(QUndoCommand* command);
 
-    // While locked, read-only cells refuse programmatic writes as well as the user's.
+    // While locked, read-only cells refuse programmatic writes as well as the user's; a
+    // model that is all read-only refuses every write.
     void SetLockReadOnly(bool lock) { m_bLockReadOnly = lock; }
     bool IsLockReadOnly() const { return m_bLockReadOnly; }
     bool CanWrite(int row, int col) const;

@@ -116,7 +116,7 @@ bool GridModel::setData(const QModelIndex& index, const QVariant& value, int rol
     }
     const int row = index.row() + 1;
     const int col = index.column() + 1;
-    if (IsReadOnly(row, col)) {
+    if (m_bAllReadOnly || IsReadOnly(row, col)) {
         return false;
     }
     if (role == Qt::CheckStateRole && Kind(col) == ColumnKind::Check) {
@@ -136,7 +136,7 @@ Qt::ItemFlags GridModel::flags(const QModelIndex& index) const {
     const int row = index.row() + 1;
     const int col = index.column() + 1;
     Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
-    if (IsReadOnly(row, col)) {
+    if (m_bAllReadOnly || IsReadOnly(row, col)) {
         return flags;
     }
     return flags | (Kind(col) == ColumnKind::Check ? Qt::ItemIsUserCheckable : Qt::ItemIsEditable);

@@ -32,6 +32,9 @@ public:
     virtual QString ColumnHeader(int col) const;
     virtual QString RowHeader(int row) const;
     virtual bool IsReadOnly(int row, int col) const;
+    // Every cell refuses the user's edits and the grid's writes (a module shown read-only).
+    void SetAllReadOnly(bool readOnly) { m_bAllReadOnly = readOnly; }
+    bool IsAllReadOnly() const { return m_bAllReadOnly; }
 
     // What a cell shows: the chosen line of a drop list, the value otherwise.
     virtual QString DisplayText(int row, int col) const;
@@ -58,4 +61,5 @@ public:
 
 private:
     EditHandler m_editHandler;
+    bool m_bAllReadOnly = false;
 };
