@@ -239,6 +239,21 @@ TEST_P(ZelPlcDbIOTest, TerminalRowsComeInNumberOrderAndBatchesAreAtomic) {
     EXPECT_TRUE(m_store.RemoveModTermData(data, "D", -1, -1));
     EXPECT_TRUE(rowNumbers(table, "D").isEmpty());
     EXPECT_EQ(rowNumbers(table, "other"), QList<int>({1}));
+
+    // Rows go in batches of 100, 10 and 1: 123 rows fill each size, and every row
+    // keeps its own texts whichever batch it went in.
+    QList<int> many;
+    for (int number = 123; number >= 1; --number) {
+        many << number;
+    }
+    addRows(table, "Many", many);
+    ASSERT_TRUE(m_store.GetModTermData(data, "many", rows));
+    ASSERT_EQ(rows.size(), 123);
+    for (const int number : {1, 100, 101, 110, 111, 120, 121, 123}) {
+        EXPECT_EQ(rows[number - 1].Number, number);
+        EXPECT_EQ(rows[number - 1].Text, QStringLiteral("text%1").arg(number));
+        EXPECT_EQ(rows[number - 1].Special, QStringLiteral("sp%1").arg(number));
+    }
 }
 
 TEST_P(ZelPlcDbIOTest, StyleBoxesStayNineAndPromptsAreFoundAsWritten) {
