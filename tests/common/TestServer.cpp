@@ -37,7 +37,8 @@ bool Available(QString* why) {
 QString NewDatabase() {
     static int made = 0;
     const QString server = ServerUri();
-    const QString name = QStringLiteral("t%1_%2").arg(QCoreApplication::applicationPid()).arg(++made);
+    const QString name =
+        QStringLiteral("t%1_%2").arg(QCoreApplication::applicationPid()).arg(++made);
     PGconn* conn = PQconnectdb(server.toUtf8().constData());
     QString error;
     if (PQstatus(conn) != CONNECTION_OK) {

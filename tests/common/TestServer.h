@@ -17,13 +17,13 @@ QString NewDatabase();
 }  // namespace TestServer
 
 // Skips the running test with a notice when the server does not run, and fails it in CI.
-#define PLCDB_NEED_TEST_SERVER()                                                        \
-    do {                                                                                \
-        QString why_;                                                                   \
-        if (!TestServer::Available(&why_)) {                                            \
-            if (!qEnvironmentVariableIsEmpty("CI")) {                                   \
-                FAIL() << "no PostgreSQL test server in CI: " << why_.toStdString();  \
-            }                                                                           \
-            GTEST_SKIP() << why_.toStdString();                                         \
-        }                                                                               \
+#define PLCDB_NEED_TEST_SERVER()                                                     \
+    do {                                                                             \
+        QString why_;                                                                \
+        if (!TestServer::Available(&why_)) {                                         \
+            if (!qEnvironmentVariableIsEmpty("CI")) {                                \
+                FAIL() << "no PostgreSQL test server in CI: " << why_.toStdString(); \
+            }                                                                        \
+            GTEST_SKIP() << why_.toStdString();                                      \
+        }                                                                            \
     } while (false)
